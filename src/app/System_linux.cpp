@@ -1,0 +1,179 @@
+// Linux: the installation record lives in a registry file under the user's config
+// folder, the recycle bin is the freedesktop trash, and a desktop user needs no
+// elevation.
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <thread>
+
+#include "app/RegistryFile.h"
+#include "app/RuntimeError.h"
+#include "app/System.h"
+#include "app/Text.h"
+#include "app/Trash.h"
+
+extern char** environ;
+
+namespace tvk {
+
+namespace {
+
+std::filesystem::path configHome() {
+    if (const char* x = std::getenv("XDG_CONFIG_HOME"); x && *x) return pathFromUtf8(x);
+    const char* home = std::getenv("HOME");
+    return pathFromUtf8(home ? home : "/") / ".config";
+}
+
+std::filesystem::path productConfigFolder() { return configHome() / "Tavrin File Manager"; }
+
+pid_t spawnShell(const std::string& commandLine) {
+    pid_t pid = 0;
+    std::string sh = "/bin/sh", c = "-c", cmd = commandLine;
+    char* argv[] = {sh.data(), c.data(), cmd.data(), nullptr};
+    const int rc = posix_spawn(&pid, "/bin/sh", nullptr, nullptr, argv, environ);
+    if (rc != 0) throw RuntimeError::fromErrno(rc, commandLine);
+    return pid;
+}
+
+// Starts a program detached from us: a grandchild that init reaps.
+bool spawnDetached(const std::vector<std::string>& args) {
+    std::vector<char*> argv;
+    std::vector<std::string> copy = args;
+    for (auto& a : copy) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    pid_t pid = 0;
+    const int rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (rc != 0) return false;
+    // Reap it later without blocking the window: a short wait tells an immediate failure.
+    for (int i = 0; i < 20; ++i) {
+        int status = 0;
+        const pid_t done = waitpid(pid, &status, WNOHANG);
+        if (done == pid) return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
+class LinuxSystem : public System {
+public:
+    explicit LinuxSystem(std::string commandLine) : commandLine_(std::move(commandLine)) {}
+    ~LinuxSystem() override {
+        if (lockFd_ >= 0) close(lockFd_);
+    }
+
+    std::optional<std::string> environment(const std::string& name) override {
+        const char* v = std::getenv(name.c_str());
+        if (!v) return std::nullopt;
+        return std::string(v);
+    }
+
+    std::string commandLine() override { return commandLine_; }
+
+    bool isAdministrator() override { return true; }
+
+    std::optional<RegistryValue> regQuery(RegistryRoot root, const std::string& key,
+                                          const std::string& name) override {
+        return registry().query(root, key, name);
+    }
+
+    void regSet(RegistryRoot root, const std::string& key, const std::string& name,
+                const RegistryValue& value) override {
+        registry().set(root, key, name, value);
+    }
+
+    bool acquireSingleInstance() override {
+        if (lockFd_ >= 0) return true;
+        std::error_code ec;
+        std::filesystem::create_directories(productConfigFolder(), ec);
+        const auto file = productConfigFolder() / "instance.lock";
+        const int fd = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        if (fd < 0) return true;  // no lock possible: do not refuse to run
+        // flock is released by the kernel when a crashed instance's process ends.
+        if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+            close(fd);
+            return false;
+        }
+        lockFd_ = fd;
+        return true;
+    }
+
+    bool recycle(const std::filesystem::path& path) override { return moveToTrash(path); }
+
+    void runAndWait(const std::string& commandLine, const std::function<void()>& pump) override {
+        const pid_t pid = spawnShell(commandLine);
+        for (;;) {
+            int status = 0;
+            const pid_t done = waitpid(pid, &status, WNOHANG);
+            if (done == pid || (done < 0 && errno != EINTR)) return;
+            if (pump) pump();
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+
+    bool startDetached(const std::filesystem::path& program) override {
+        if (access(program.c_str(), X_OK) != 0) return false;
+        return spawnDetached({program.string()});
+    }
+
+    bool openWithDefault(const std::filesystem::path& file) override {
+        std::error_code ec;
+        if (!std::filesystem::exists(file, ec)) return false;
+        return spawnDetached({"xdg-open", file.string()});
+    }
+
+    std::filesystem::path currentDirectory() override {
+        std::error_code ec;
+        auto p = std::filesystem::current_path(ec);
+        return ec ? std::filesystem::path(".") : p;
+    }
+
+    void setCurrentDirectory(const std::filesystem::path& dir) override {
+        std::error_code ec;
+        std::filesystem::current_path(dir, ec);
+        throwIfError(ec, pathToUtf8(dir));
+    }
+
+    std::filesystem::path documentsFolder() override {
+        const char* homeEnv = std::getenv("HOME");
+        const std::filesystem::path home = pathFromUtf8(homeEnv ? homeEnv : "/");
+        // A localised desktop names its Documents folder in user-dirs.dirs.
+        std::ifstream dirs(configHome() / "user-dirs.dirs");
+        std::string line;
+        while (std::getline(dirs, line)) {
+            if (!startsWith(line, "XDG_DOCUMENTS_DIR=")) continue;
+            std::string v = trimWhitespace(line.substr(18));
+            if (v.size() >= 2 && v.front() == '"' && v.back() == '"') v = v.substr(1, v.size() - 2);
+            if (startsWith(v, "$HOME/")) return home / pathFromUtf8(v.substr(6));
+            if (startsWith(v, "/")) return pathFromUtf8(v);
+        }
+        return home / "Documents";
+    }
+
+private:
+    RegistryFile registry() { return RegistryFile(productConfigFolder() / "registry.ini"); }
+
+    std::string commandLine_;
+    int lockFd_ = -1;
+};
+
+}  // namespace
+
+std::unique_ptr<System> makePlatformSystem(std::string commandLine) {
+    return std::make_unique<LinuxSystem>(std::move(commandLine));
+}
+
+}  // namespace tvk

@@ -1,0 +1,68 @@
+#include "support/ScriptedInteraction.h"
+
+#include <gtest/gtest.h>
+
+#include "app/Text.h"
+
+namespace tvk::test {
+
+ScriptedInteraction& ScriptedInteraction::expect(std::string title, Answer answer) {
+    boxes_.push_back({std::move(title), answer});
+    return *this;
+}
+
+ScriptedInteraction& ScriptedInteraction::expectPrompt(std::string title,
+                                                       std::optional<std::string> answer) {
+    answers_.push_back({std::move(title), std::move(answer)});
+    return *this;
+}
+
+Answer ScriptedInteraction::message(const Message& box) {
+    shown.push_back(box);
+    if (boxes_.empty()) {
+        if (!lenient)
+            ADD_FAILURE() << "unexpected box [" << box.title << "] " << toDisplayLines(box.text);
+        return box.defaultAnswer();
+    }
+    const Box next = boxes_.front();
+    boxes_.pop_front();
+    EXPECT_EQ(next.title, box.title) << "box text: " << toDisplayLines(box.text);
+    return next.answer;
+}
+
+std::optional<std::string> ScriptedInteraction::prompt(const std::string& title,
+                                                       const std::string& text,
+                                                       const std::string&) {
+    prompts.push_back(title);
+    if (answers_.empty()) {
+        if (!lenient) ADD_FAILURE() << "unexpected prompt [" << title << "] " << text;
+        return std::nullopt;
+    }
+    const Reply next = answers_.front();
+    answers_.pop_front();
+    EXPECT_EQ(next.title, title);
+    return next.answer;
+}
+
+void ScriptedInteraction::setStatus(StatusPanel panel, const std::string& text) {
+    status[panel] = text;
+    statusLog.push_back(text);
+}
+
+void ScriptedInteraction::showProgress(int maximum) {
+    progressVisible = true;
+    progressMaximum = maximum;
+    progressValue = 0;
+}
+
+void ScriptedInteraction::setProgress(int value) { progressValue = value; }
+
+void ScriptedInteraction::hideProgress() { progressVisible = false; }
+
+std::vector<std::string> ScriptedInteraction::titles() const {
+    std::vector<std::string> out;
+    for (const auto& m : shown) out.push_back(m.title);
+    return out;
+}
+
+}  // namespace tvk::test

@@ -1,0 +1,58 @@
+#pragma once
+// The tests' Interaction: a queue of the boxes and prompts a command is expected to
+// show, with the answer to give each, and a transcript of everything it showed.
+
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/Interaction.h"
+
+namespace tvk::test {
+
+class ScriptedInteraction : public Interaction {
+public:
+    // The next box must carry this title; it is answered with `answer`.
+    ScriptedInteraction& expect(std::string title, Answer answer = Answer::Ok);
+    ScriptedInteraction& expectPrompt(std::string title, std::optional<std::string> answer);
+    // Boxes not in the script are answered with their default instead of failing.
+    bool lenient = false;
+
+    Answer message(const Message& box) override;
+    std::optional<std::string> prompt(const std::string& title, const std::string& text,
+                                      const std::string& initial) override;
+    void setStatus(StatusPanel panel, const std::string& text) override;
+    void showProgress(int maximum) override;
+    void setProgress(int value) override;
+    void hideProgress() override;
+    void processEvents() override { ++eventsPumped; }
+
+    std::vector<Message> shown;                 // every box, in order
+    std::vector<std::string> prompts;           // prompt titles, in order
+    std::map<StatusPanel, std::string> status;  // last text of each panel
+    std::vector<std::string> statusLog;         // every status text, in order
+    bool progressVisible = false;
+    int progressMaximum = 0;
+    int progressValue = 0;
+    int eventsPumped = 0;
+
+    std::vector<std::string> titles() const;
+    // True when every scripted box and prompt was shown.
+    bool done() const { return boxes_.empty() && answers_.empty(); }
+
+private:
+    struct Box {
+        std::string title;
+        Answer answer;
+    };
+    struct Reply {
+        std::string title;
+        std::optional<std::string> answer;
+    };
+    std::deque<Box> boxes_;
+    std::deque<Reply> answers_;
+};
+
+}  // namespace tvk::test
