@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -69,6 +70,11 @@ struct MainState {
 
     Answer lastAnswer = Answer::Ok;
     bool busy = false;  // a long command runs; other commands wait
+
+    std::string lastAction;  // the last action word of the active list ("CLICK", ...)
+    // Set by the window: redraws both lists from docsFolder/pattern/usbPattern. Commands
+    // that change the view or the files call it; unset (tests, tvk) it does nothing.
+    std::function<void()> refreshLists;
 };
 
 // "btnUSB_Docs_2": the object name of a member of a control array.

@@ -1,0 +1,135 @@
+#include "library/Selection.h"
+
+#include <algorithm>
+#include <array>
+
+#include "app/Routine.h"
+#include "app/Text.h"
+#include "library/Copyfiles.h"
+#include "library/FileInfoStandIn.h"
+
+namespace tvk {
+
+namespace {
+
+std::string extensionOf(const std::string& name) {
+    return toUpperAscii(utf8Right(name, 3));
+}
+
+bool isOneOf(const std::string& ext, std::initializer_list<const char*> list) {
+    return std::any_of(list.begin(), list.end(), [&](const char* e) { return ext == e; });
+}
+
+// The selected-file table holds 1,500 names; one more is an index error, and Ignore
+// keeps the first 1,500.
+void fillSelectedTable(Routine& r, std::vector<std::string>& table,
+                       const std::vector<std::string>& names, const std::string& what) {
+    table.assign(names.begin(), names.begin() + std::min<std::size_t>(names.size(), kMaxSelected));
+    if (names.size() > static_cast<std::size_t>(kMaxSelected)) {
+        r.step(what + " " + std::to_string(kMaxSelected + 1), [&] {
+            Routine::raise(kErrSubscriptOutOfRange, std::to_string(names.size()) + " names for " +
+                                                        std::to_string(kMaxSelected) + " places");
+        });
+    }
+}
+
+void showFileInfo(Context& ctx, Routine& r, const ListClick& click) {
+    auto& state = ctx.state;
+    state.fileInfoText.clear();
+    if (click.clicked.empty()) return;
+    const auto file = click.folder / pathFromUtf8(click.clicked);
+    std::error_code ec;
+    if (!std::filesystem::exists(file, ec)) {
+        // Gone since the list was drawn (deleted elsewhere, stick pulled).
+        state.fileInfoText = "\"" + click.clicked + "\" is no longer in" + std::string(kLineBreak) +
+                             pathToUtf8(click.folder);
+        return;
+    }
+    r.step("DisplayFileInfo " + pathToUtf8(file),
+           [&] { state.fileInfoText = DisplayFileInfo(ctx, pathToUtf8(file)); });
+}
+
+}  // namespace
+
+CommandEnabling enablingFor(std::size_t selectedCount) {
+    switch (selectedCount) {
+        case 0:
+            return {};
+        case 1:
+            return {true, true, true, true, false};
+        case 2:
+            return {false, false, true, true, true};
+        default:
+            return {false, false, true, true, false};
+    }
+}
+
+std::string selectionStatus(std::size_t selected, std::size_t total) {
+    return std::to_string(selected) + " of " + std::to_string(total) + " selected";
+}
+
+bool isPresetName(const std::string& name) {
+    return isOneOf(extensionOf(name), {"SPG", "APG", "EPG", "LPG"});
+}
+
+void fileListClick(Context& ctx, const ListClick& click) {
+    routine(ctx, "frmMain." + click.list + "_Click", [&](Routine& r) {
+        auto& state = ctx.state;
+        state.activeList = click.list;
+        if (!click.clicked.empty()) state.enabled[kMnuEditRename] = isPresetName(click.clicked);
+        showFileInfo(ctx, r, click);
+        fillSelectedTable(r, state.selected, click.selected, "Selected file");
+
+        const auto on = enablingFor(click.selected.size());
+        state.enabled[kMnuOpen] = on.open;
+        state.enabled[kMnuFileRename] = on.rename;
+        state.enabled[kMnuEditCopy] = on.copy;
+        state.enabled[kMnuEditPaste] = on.paste;
+        state.enabled[kBtnCompare] = on.compare;
+
+        ctx.ui.setStatus(StatusPanel::Progress,
+                         selectionStatus(click.selected.size(), click.entryCount));
+        if (state.lastAction.empty()) state.lastAction = "CLICK";
+    });
+}
+
+DoubleClickAction doubleClickAction(const std::string& list, const std::string& name) {
+    const auto ext = extensionOf(name);
+    if (isOneOf(ext, {"MP3", "MID"})) return DoubleClickAction::Play;
+    if (ext == "PDF") return DoubleClickAction::OpenWithDesktop;
+    // The thumbdrive only holds the organ's own kinds, so fewer extensions open there.
+    const bool organFile = list == "flbUSB"
+                               ? isOneOf(ext, {"LPG", "EPG", "LMR", "EMR"})
+                               : isOneOf(ext, {"APG", "SPG", "LPG", "EPG", "SMR", "LMR", "EMR"});
+    return organFile ? DoubleClickAction::View : DoubleClickAction::None;
+}
+
+bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {
+    std::error_code ec;
+    if (std::filesystem::equivalent(a, b, ec)) return true;
+    return a.lexically_normal() == b.lexically_normal();
+}
+
+std::string copyModeFor(const DropRequest& drop) {
+    if (drop.sourceList != drop.destinationList)
+        return drop.destinationList == "flbUSB" ? "RIGHT" : "LEFT";
+    if (sameFolder(drop.sourceFolder, drop.destinationFolder)) return drop.destinationList;
+    return "DIFF";
+}
+
+void listDragDrop(Context& ctx, const DropRequest& drop) {
+    routine(ctx, "frmMain." + drop.destinationList + "_OLEDragDrop", [&](Routine& r) {
+        auto& state = ctx.state;
+        state.activeList = drop.destinationList;
+        auto& batch = state.batch;
+        fillSelectedTable(r, batch.files, drop.files, "Copy batch entry");
+        batch.source = drop.sourceFolder;
+        batch.destination = drop.destinationFolder;
+        batch.driveLetter = state.drive.present ? state.drive.letter : std::string();
+        batch.mode = copyModeFor(drop);
+        state.lastAction = "DROP";
+        Copyfiles(ctx, batch.mode);
+    });
+}
+
+}  // namespace tvk
