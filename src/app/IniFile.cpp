@@ -17,7 +17,9 @@ namespace {
 
 constexpr int kSettingsFileNumber = 1;  // the first free file number; the trace holds 256
 
-const char* boolText(bool b) { return b ? "True" : "False"; }
+const char* boolText(bool b) {
+    return b ? "True" : "False";
+}
 
 // The runtime's reading of a number from text: blanks around it, a sign, "&H" or "&O"
 // prefixes, a fraction and an exponent. nullopt when it is not a number at all.
@@ -28,11 +30,13 @@ std::optional<double> parseNumber(const std::string& text) {
         const bool hex = t[1] == 'H' || t[1] == 'h';
         const std::string digits = t.substr(2);
         if (digits.empty() || digits.size() > (hex ? 8u : 11u)) {
-            if (!digits.empty() && digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "01234567") == std::string::npos)
+            if (!digits.empty() && digits.find_first_not_of(hex ? "0123456789abcdefABCDEF"
+                                                                : "01234567") == std::string::npos)
                 throw RuntimeError(kErrOverflow, t);
             return std::nullopt;
         }
-        if (digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "01234567") != std::string::npos)
+        if (digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "01234567") !=
+            std::string::npos)
             return std::nullopt;
         const unsigned long long v = std::stoull(digits, nullptr, hex ? 16 : 8);
         if (v > 0xFFFFFFFFull) throw RuntimeError(kErrOverflow, t);
@@ -168,29 +172,31 @@ void WriteIniFile(Context& ctx, bool defaults) {
         ctx.trace.reopenForAppend();
 
         const std::string text = formatIniFile(ctx.settings, ctx.trace.now());
-        r.step("Open " + pathToUtf8(file) + " For Output As #" + std::to_string(kSettingsFileNumber),
-               [&] {
-                   // Written beside the old file and renamed over it, so a failed write
-                   // leaves the previous settings in place.
-                   auto temp = file;
-                   temp += ".new";
-                   {
-                       std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-                       if (!out) throw RuntimeError::fromErrno(errno ? errno : EACCES, pathToUtf8(file));
-                       out << text;
-                       out.flush();
-                       if (!out) {
-                           const int err = errno ? errno : ENOSPC;
-                           out.close();
-                           std::error_code ignored;
-                           std::filesystem::remove(temp, ignored);
-                           throw RuntimeError::fromErrno(err, pathToUtf8(file));
-                       }
-                   }
-                   std::error_code ec;
-                   std::filesystem::rename(temp, file, ec);
-                   throwIfError(ec, pathToUtf8(file));
-               });
+        r.step(
+            "Open " + pathToUtf8(file) + " For Output As #" + std::to_string(kSettingsFileNumber),
+            [&] {
+                // Written beside the old file and renamed over it, so a failed write
+                // leaves the previous settings in place.
+                auto temp = file;
+                temp += ".new";
+                {
+                    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
+                    if (!out)
+                        throw RuntimeError::fromErrno(errno ? errno : EACCES, pathToUtf8(file));
+                    out << text;
+                    out.flush();
+                    if (!out) {
+                        const int err = errno ? errno : ENOSPC;
+                        out.close();
+                        std::error_code ignored;
+                        std::filesystem::remove(temp, ignored);
+                        throw RuntimeError::fromErrno(err, pathToUtf8(file));
+                    }
+                }
+                std::error_code ec;
+                std::filesystem::rename(temp, file, ec);
+                throwIfError(ec, pathToUtf8(file));
+            });
     });
 }
 
@@ -232,10 +238,14 @@ bool storeEntry(Settings& s, const std::string& section, const std::string& key,
             row = static_cast<int>(toInteger(value)) - 1;
             return true;
         }
-        const int column = key == "Win Left" ? 0 : key == "Win Top" ? 1 : key == "Win Width" ? 2
-                         : key == "Win Height" ? 3 : -1;
+        const int column = key == "Win Left"     ? 0
+                           : key == "Win Top"    ? 1
+                           : key == "Win Width"  ? 2
+                           : key == "Win Height" ? 3
+                                                 : -1;
         if (column < 0) return false;
-        if (row < 0 || row > 3) throw RuntimeError(kErrSubscriptOutOfRange, "Win Index " + std::to_string(row + 1));
+        if (row < 0 || row > 3)
+            throw RuntimeError(kErrSubscriptOutOfRange, "Win Index " + std::to_string(row + 1));
         const std::int32_t v = toLong(value);
         WindowRect& w = s.windows[static_cast<std::size_t>(row)];
         (column == 0 ? w.left : column == 1 ? w.top : column == 2 ? w.width : w.height) = v;
@@ -251,8 +261,9 @@ void ReadIniFile(Context& ctx) {
     routine(ctx, "CodeModule.ReadIniFile", [&](Routine& r) {
         const auto file = ctx.paths.settingsFile();
         std::string text;
-        const bool opened =
-            r.step("Open " + pathToUtf8(file) + " For Input As #" + std::to_string(kSettingsFileNumber), [&] {
+        const bool opened = r.step(
+            "Open " + pathToUtf8(file) + " For Input As #" + std::to_string(kSettingsFileNumber),
+            [&] {
                 std::ifstream in(file, std::ios::binary);
                 if (!in) throw RuntimeError::fromErrno(errno ? errno : ENOENT, pathToUtf8(file));
                 std::ostringstream s;
@@ -291,7 +302,8 @@ void ReadIniFile(Context& ctx) {
         if (outcome == ReadOutcome::Malformed) {
             ctx.ui.message(Message{"CONGIFURATION ERROR",
                                    "The " + std::string(kQuote) + "TVK.ini" + std::string(kQuote) +
-                                       " file is constructed incorrectly." + std::string(kLineBreak) +
+                                       " file is constructed incorrectly." +
+                                       std::string(kLineBreak) +
                                        "A new one will be created with default settings",
                                    Buttons::Ok, Icon::Exclamation, 1});
             r.detail("Closing file# " + std::to_string(kSettingsFileNumber));

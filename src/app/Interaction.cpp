@@ -38,13 +38,18 @@ int Message::style() const {
 Answer Message::defaultAnswer() const {
     const int i = defaultButton - 1;
     switch (buttons) {
-        case Buttons::Ok: return Answer::Ok;
-        case Buttons::OkCancel: return i == 1 ? Answer::Cancel : Answer::Ok;
+        case Buttons::Ok:
+            return Answer::Ok;
+        case Buttons::OkCancel:
+            return i == 1 ? Answer::Cancel : Answer::Ok;
         case Buttons::AbortRetryIgnore:
             return i == 1 ? Answer::Retry : i == 2 ? Answer::Ignore : Answer::Abort;
-        case Buttons::YesNoCancel: return i == 1 ? Answer::No : i == 2 ? Answer::Cancel : Answer::Yes;
-        case Buttons::YesNo: return i == 1 ? Answer::No : Answer::Yes;
-        case Buttons::RetryCancel: return i == 1 ? Answer::Cancel : Answer::Retry;
+        case Buttons::YesNoCancel:
+            return i == 1 ? Answer::No : i == 2 ? Answer::Cancel : Answer::Yes;
+        case Buttons::YesNo:
+            return i == 1 ? Answer::No : Answer::Yes;
+        case Buttons::RetryCancel:
+            return i == 1 ? Answer::Cancel : Answer::Retry;
     }
     return Answer::Ok;
 }

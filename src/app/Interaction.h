@@ -8,11 +8,18 @@
 
 namespace tvk {
 
-enum class Buttons { Ok = 0, OkCancel = 1, AbortRetryIgnore = 2, YesNoCancel = 3, YesNo = 4, RetryCancel = 5 };
+enum class Buttons {
+    Ok = 0,
+    OkCancel = 1,
+    AbortRetryIgnore = 2,
+    YesNoCancel = 3,
+    YesNo = 4,
+    RetryCancel = 5
+};
 enum class Icon { None = 0, Critical = 16, Question = 32, Exclamation = 48, Information = 64 };
 enum class Answer { Ok = 1, Cancel = 2, Abort = 3, Retry = 4, Ignore = 5, Yes = 6, No = 7 };
 
-const char* answerName(Answer answer);  // "OK", "Cancel", "Abort", ...
+const char* answerName(Answer answer);                          // "OK", "Cancel", "Abort", ...
 std::optional<Answer> answerFromName(const std::string& name);  // case-insensitive
 
 struct Message {
@@ -32,7 +39,7 @@ struct Message {
 enum class StatusPanel { Progress = 1, Second = 2, Drive = 3 };
 
 class Interaction {
-public:
+  public:
     virtual ~Interaction() = default;
 
     virtual Answer message(const Message& box) = 0;
@@ -54,7 +61,7 @@ public:
 // Answers every box with its default and every prompt with nothing; for code paths that
 // must not show anything.
 class SilentInteraction : public Interaction {
-public:
+  public:
     Answer message(const Message& box) override { return box.defaultAnswer(); }
     std::optional<std::string> prompt(const std::string&, const std::string&,
                                       const std::string&) override {

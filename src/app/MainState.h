@@ -17,12 +17,12 @@ enum class Series : std::uint8_t { All = 0, SU = 1, A = 2, E = 3 };
 
 // The attached thumbdrive as the last scan left it.
 struct ThumbDriveState {
-    bool present = false;          // accepted by the scan
-    std::string letter;            // "E" on Windows; the volume's id on Linux
-    std::filesystem::path root;    // "E:\" or the mount point
-    std::string serialHex = "0";   // upper-case hexadecimal, no leading zeros
+    bool present = false;         // accepted by the scan
+    std::string letter;           // "E" on Windows; the volume's id on Linux
+    std::filesystem::path root;   // "E:\" or the mount point
+    std::string serialHex = "0";  // upper-case hexadecimal, no leading zeros
     std::string volumeName;
-    std::string fileSystem;        // "FAT", "FAT32", ...
+    std::string fileSystem;  // "FAT", "FAT32", ...
     int driveType = 0;
     std::string deviceId;
     bool tavrinPresent = false;
@@ -46,20 +46,20 @@ struct CopyBatch {
 inline constexpr int kMaxSelected = 1500;
 
 struct MainState {
-    std::string activeList;              // "dirDocs", "flbDocs" or "flbUSB"
-    std::vector<std::string> selected;   // the selected-file table
+    std::string activeList;             // "dirDocs", "flbDocs" or "flbUSB"
+    std::vector<std::string> selected;  // the selected-file table
     CopyBatch batch;
 
-    std::uint8_t series = 0;             // 0 ALL, 1 SU, 2 A, 3 E
-    std::string pattern = "*.*";         // the category pattern of both lists
+    std::uint8_t series = 0;      // 0 ALL, 1 SU, 2 A, 3 E
+    std::string pattern = "*.*";  // the category pattern of both lists
     std::string usbPattern = "*.nothing";
-    int selectedCategory = -1;           // -1 until a category button is chosen
+    int selectedCategory = -1;  // -1 until a category button is chosen
 
-    std::filesystem::path docsFolder;    // the folder flbDocs shows
+    std::filesystem::path docsFolder;  // the folder flbDocs shows
     ThumbDriveState drive;
     ContentCounts counts;
-    std::string driveInfoText;           // the drive information panel
-    std::string fileInfoText;            // the file information panel
+    std::string driveInfoText;  // the drive information panel
+    std::string fileInfoText;   // the file information panel
 
     // Enabled state of commands by control name ("btnSort", "btnUSB_Docs_2", ...).
     std::map<std::string, bool> enabled;

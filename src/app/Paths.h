@@ -27,12 +27,18 @@ struct Paths {
     std::filesystem::path traceFile() const { return programFolder / "TVK_ErrorLog.txt"; }
     std::filesystem::path manual() const { return programFolder / "User's Manual.pdf"; }
     std::filesystem::path downloader() const { return programFolder / "TVK_Downloader.exe"; }
-    std::filesystem::path downloaded() const { return libraryRoot / pathFromUtf8(kFolderDownloaded); }
+    std::filesystem::path downloaded() const {
+        return libraryRoot / pathFromUtf8(kFolderDownloaded);
+    }
     std::filesystem::path musicRecordings() const {
         return libraryRoot / pathFromUtf8(kFolderMusicRecordings);
     }
-    std::filesystem::path presetPool() const { return libraryRoot / pathFromUtf8(kFolderPresetPool); }
-    std::filesystem::path recycleBin() const { return libraryRoot / pathFromUtf8(kFolderRecycleBin); }
+    std::filesystem::path presetPool() const {
+        return libraryRoot / pathFromUtf8(kFolderPresetPool);
+    }
+    std::filesystem::path recycleBin() const {
+        return libraryRoot / pathFromUtf8(kFolderRecycleBin);
+    }
 };
 
 }  // namespace tvk

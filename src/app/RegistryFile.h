@@ -13,7 +13,7 @@
 namespace tvk {
 
 class RegistryFile {
-public:
+  public:
     explicit RegistryFile(std::filesystem::path file);
 
     std::optional<RegistryValue> query(RegistryRoot root, const std::string& key,
@@ -24,7 +24,7 @@ public:
 
     const std::filesystem::path& file() const { return file_; }
 
-private:
+  private:
     using Section = std::map<std::string, std::string>;
     std::map<std::string, Section> load() const;
     static std::string sectionName(RegistryRoot root, const std::string& key);

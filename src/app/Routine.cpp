@@ -32,7 +32,8 @@ std::string MainErrorHandler(Context& ctx, int errorNumber, const std::string& d
         own = Trace::makeEntry(trace.depth(), "frmMain.MainErrorHandler");
     }
     auto leave = [&](const char* verdict) {
-        if (trace.debug) writeQuietly(trace, trace.stamp() + "- " + verdict + " - " + own + " - EXIT");
+        if (trace.debug)
+            writeQuietly(trace, trace.stamp() + "- " + verdict + " - " + own + " - EXIT");
         while (trace.depth() > depthBefore) trace.pop();
     };
     writeQuietly(trace, trace.stamp() + "- " + own + " - ENTER");
@@ -62,8 +63,12 @@ std::string MainErrorHandler(Context& ctx, int errorNumber, const std::string& d
     ctx.state.lastAnswer = answer;
 
     switch (answer) {
-        case Answer::Retry: leave("RETRY"); return "RETRY";
-        case Answer::Ignore: leave("IGNORE"); return "IGNORE";
+        case Answer::Retry:
+            leave("RETRY");
+            return "RETRY";
+        case Answer::Ignore:
+            leave("IGNORE");
+            return "IGNORE";
         default:
             if (trace.debug) {
                 leave("ABORT");
@@ -77,8 +82,8 @@ std::string MainErrorHandler(Context& ctx, int errorNumber, const std::string& d
 
 void reportUntrappedError(Interaction& ui, const RuntimeError& error) {
     ui.message(Message{kProjectName,
-                       "Run-time error '" + std::to_string(error.number()) + "':" +
-                           std::string(kBlankLine) + error.description(),
+                       "Run-time error '" + std::to_string(error.number()) +
+                           "':" + std::string(kBlankLine) + error.description(),
                        Buttons::Ok, Icon::Critical, 1});
 }
 
@@ -103,9 +108,13 @@ bool Routine::start() {
             return true;
         } catch (const RuntimeError& e) {
             switch (handle(e)) {
-                case Verdict::Retry: continue;
-                case Verdict::Ignore: pushFailed_ = false; return true;
-                case Verdict::Abort: return false;
+                case Verdict::Retry:
+                    continue;
+                case Verdict::Ignore:
+                    pushFailed_ = false;
+                    return true;
+                case Verdict::Abort:
+                    return false;
             }
         }
     }

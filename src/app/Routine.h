@@ -46,7 +46,7 @@ void reportUntrappedError(Interaction& ui, const RuntimeError& error);
 enum class Verdict { Retry, Ignore, Abort };
 
 class Routine {
-public:
+  public:
     Routine(Context& ctx, std::string_view qualifiedName);
     ~Routine();
     Routine(const Routine&) = delete;
@@ -77,9 +77,12 @@ public:
                 throw;
             } catch (...) {
                 switch (handle(RuntimeError::fromCurrentException())) {
-                    case Verdict::Retry: continue;
-                    case Verdict::Ignore: return false;
-                    case Verdict::Abort: throw RoutineAbort{};
+                    case Verdict::Retry:
+                        continue;
+                    case Verdict::Ignore:
+                        return false;
+                    case Verdict::Abort:
+                        throw RoutineAbort{};
                 }
             }
         }
@@ -101,7 +104,7 @@ public:
     // Writes the ENTER line; false when the user aborted on a failure there.
     bool start();
 
-private:
+  private:
     std::string task_;
     std::string entry_;
     bool pushed_ = false;

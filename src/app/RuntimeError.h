@@ -31,7 +31,7 @@ enum ErrorNumber : int {
 std::string errorDescription(int number);
 
 class RuntimeError : public std::runtime_error {
-public:
+  public:
     explicit RuntimeError(int number, std::string detail = {});
     int number() const { return number_; }
     // The classic description; the detail (a path, the OS text) is kept for the trace.
@@ -44,7 +44,7 @@ public:
     // Converts whatever a step threw (filesystem_error, bad_alloc, ...) into one.
     static RuntimeError fromCurrentException();
 
-private:
+  private:
     int number_;
     std::string detail_;
 };

@@ -9,8 +9,7 @@
 namespace tvk {
 
 struct Session {
-    Session(std::unique_ptr<System> system, Interaction& ui)
-        : system(std::move(system)), ui(&ui) {}
+    Session(std::unique_ptr<System> system, Interaction& ui) : system(std::move(system)), ui(&ui) {}
 
     Trace trace;
     Settings settings;
@@ -20,7 +19,9 @@ struct Session {
     Interaction* ui;
     std::shared_ptr<Volumes> volumes;  // set by whoever attaches the drive services
 
-    Context context() { return Context{trace, settings, *ui, *system, paths, state, volumes.get()}; }
+    Context context() {
+        return Context{trace, settings, *ui, *system, paths, state, volumes.get()};
+    }
 };
 
 }  // namespace tvk

@@ -21,7 +21,7 @@ std::string registryRootName(RegistryRoot root);  // "HKEY_LOCAL_MACHINE", ...
 std::string registryValueText(const RegistryValue& value);
 
 class System {
-public:
+  public:
     virtual ~System() = default;
 
     virtual std::optional<std::string> environment(const std::string& name) = 0;

@@ -32,7 +32,9 @@ std::filesystem::path configHome() {
     return pathFromUtf8(home ? home : "/") / ".config";
 }
 
-std::filesystem::path productConfigFolder() { return configHome() / "Tavrin File Manager"; }
+std::filesystem::path productConfigFolder() {
+    return configHome() / "Tavrin File Manager";
+}
 
 pid_t spawnShell(const std::string& commandLine) {
     pid_t pid = 0;
@@ -69,7 +71,7 @@ bool spawnDetached(const std::vector<std::string>& args) {
 }
 
 class LinuxSystem : public System {
-public:
+  public:
     explicit LinuxSystem(std::string commandLine) : commandLine_(std::move(commandLine)) {}
     ~LinuxSystem() override {
         if (lockFd_ >= 0) close(lockFd_);
@@ -163,7 +165,7 @@ public:
         return home / "Documents";
     }
 
-private:
+  private:
     RegistryFile registry() { return RegistryFile(productConfigFolder() / "registry.ini"); }
 
     std::string commandLine_;

@@ -15,7 +15,9 @@ std::string pathToUtf8(const std::filesystem::path& path) {
     return std::string(s.begin(), s.end());
 }
 
-std::string fileNameUtf8(const std::filesystem::path& path) { return pathToUtf8(path.filename()); }
+std::string fileNameUtf8(const std::filesystem::path& path) {
+    return pathToUtf8(path.filename());
+}
 
 std::string toUpperAscii(std::string_view text) {
     std::string out(text);
@@ -59,7 +61,9 @@ bool iequals(std::string_view a, std::string_view b) {
 }
 
 namespace {
-bool isContinuation(unsigned char c) { return (c & 0xC0) == 0x80; }
+bool isContinuation(unsigned char c) {
+    return (c & 0xC0) == 0x80;
+}
 
 // Byte offset of the character with index `characters`, or text.size().
 std::size_t offsetOfCharacter(std::string_view text, std::size_t characters) {
@@ -74,8 +78,9 @@ std::size_t offsetOfCharacter(std::string_view text, std::size_t characters) {
 }  // namespace
 
 std::size_t utf8Length(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return !isContinuation(static_cast<unsigned char>(c)); }));
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+        return !isContinuation(static_cast<unsigned char>(c));
+    }));
 }
 
 std::string utf8Left(std::string_view text, std::size_t characters) {

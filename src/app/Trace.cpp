@@ -49,9 +49,13 @@ void Trace::write(std::string_view line) {
     }
 }
 
-void Trace::enterLine(const std::string& entry) { write(stamp() + "- " + entry + " - ENTER"); }
+void Trace::enterLine(const std::string& entry) {
+    write(stamp() + "- " + entry + " - ENTER");
+}
 
-void Trace::exitLine(const std::string& entry) { write(stamp() + "- " + entry + " - EXIT"); }
+void Trace::exitLine(const std::string& entry) {
+    write(stamp() + "- " + entry + " - EXIT");
+}
 
 void Trace::closeAllFiles() {
     if (out_.is_open()) {

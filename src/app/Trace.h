@@ -14,14 +14,14 @@
 namespace tvk {
 
 class Trace {
-public:
+  public:
     using Clock = std::function<std::tm()>;
     static std::tm localNow();
 
     explicit Trace(Clock clock = &Trace::localNow);
 
-    bool debug = false;      // "+DEBUG": trace on
-    bool errorTrap = true;   // "-ERROR": errors take the runtime's default path
+    bool debug = false;     // "+DEBUG": trace on
+    bool errorTrap = true;  // "-ERROR": errors take the runtime's default path
 
     static constexpr int kMaxDepth = 1000;
 
@@ -59,7 +59,7 @@ public:
     // Set when the program is ending at once: nothing more is written.
     bool ending = false;
 
-private:
+  private:
     Clock clock_;
     std::filesystem::path file_;
     std::ofstream out_;        // handle 256: every trace write

@@ -13,13 +13,16 @@ std::vector<CliCommand>& registry() {
 
 bool registerCliCommand(CliCommand command) {
     auto& all = registry();
-    const auto at = std::lower_bound(all.begin(), all.end(), command.name,
-                                     [](const CliCommand& c, const std::string& n) { return c.name < n; });
+    const auto at =
+        std::lower_bound(all.begin(), all.end(), command.name,
+                         [](const CliCommand& c, const std::string& n) { return c.name < n; });
     all.insert(at, std::move(command));
     return true;
 }
 
-const std::vector<CliCommand>& cliCommands() { return registry(); }
+const std::vector<CliCommand>& cliCommands() {
+    return registry();
+}
 
 bool takeOption(std::vector<std::string>& args, const std::string& name, std::string& value) {
     for (auto it = args.begin(); it != args.end(); ++it) {

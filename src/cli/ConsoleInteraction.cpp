@@ -11,25 +11,36 @@ namespace {
 
 std::string buttonChoices(Buttons buttons) {
     switch (buttons) {
-        case Buttons::Ok: return "OK";
-        case Buttons::OkCancel: return "OK/Cancel";
-        case Buttons::AbortRetryIgnore: return "Abort/Retry/Ignore";
-        case Buttons::YesNoCancel: return "Yes/No/Cancel";
-        case Buttons::YesNo: return "Yes/No";
-        case Buttons::RetryCancel: return "Retry/Cancel";
+        case Buttons::Ok:
+            return "OK";
+        case Buttons::OkCancel:
+            return "OK/Cancel";
+        case Buttons::AbortRetryIgnore:
+            return "Abort/Retry/Ignore";
+        case Buttons::YesNoCancel:
+            return "Yes/No/Cancel";
+        case Buttons::YesNo:
+            return "Yes/No";
+        case Buttons::RetryCancel:
+            return "Retry/Cancel";
     }
     return "OK";
 }
 
 bool allowed(Buttons buttons, Answer a) {
     switch (buttons) {
-        case Buttons::Ok: return a == Answer::Ok;
-        case Buttons::OkCancel: return a == Answer::Ok || a == Answer::Cancel;
+        case Buttons::Ok:
+            return a == Answer::Ok;
+        case Buttons::OkCancel:
+            return a == Answer::Ok || a == Answer::Cancel;
         case Buttons::AbortRetryIgnore:
             return a == Answer::Abort || a == Answer::Retry || a == Answer::Ignore;
-        case Buttons::YesNoCancel: return a == Answer::Yes || a == Answer::No || a == Answer::Cancel;
-        case Buttons::YesNo: return a == Answer::Yes || a == Answer::No;
-        case Buttons::RetryCancel: return a == Answer::Retry || a == Answer::Cancel;
+        case Buttons::YesNoCancel:
+            return a == Answer::Yes || a == Answer::No || a == Answer::Cancel;
+        case Buttons::YesNo:
+            return a == Answer::Yes || a == Answer::No;
+        case Buttons::RetryCancel:
+            return a == Answer::Retry || a == Answer::Cancel;
     }
     return false;
 }
@@ -42,23 +53,33 @@ ConsoleInteraction::ConsoleInteraction(std::istream& in, std::ostream& out, std:
 Answer ConsoleInteraction::yesAnswer(Buttons buttons) {
     switch (buttons) {
         case Buttons::Ok:
-        case Buttons::OkCancel: return Answer::Ok;
-        case Buttons::AbortRetryIgnore: return Answer::Ignore;
+        case Buttons::OkCancel:
+            return Answer::Ok;
+        case Buttons::AbortRetryIgnore:
+            return Answer::Ignore;
         case Buttons::YesNoCancel:
-        case Buttons::YesNo: return Answer::Yes;
-        case Buttons::RetryCancel: return Answer::Cancel;  // retrying unattended could loop
+        case Buttons::YesNo:
+            return Answer::Yes;
+        case Buttons::RetryCancel:
+            return Answer::Cancel;  // retrying unattended could loop
     }
     return Answer::Ok;
 }
 
 Answer ConsoleInteraction::noAnswer(Buttons buttons) {
     switch (buttons) {
-        case Buttons::Ok: return Answer::Ok;
-        case Buttons::OkCancel: return Answer::Cancel;
-        case Buttons::AbortRetryIgnore: return Answer::Abort;
-        case Buttons::YesNoCancel: return Answer::Cancel;
-        case Buttons::YesNo: return Answer::No;
-        case Buttons::RetryCancel: return Answer::Cancel;
+        case Buttons::Ok:
+            return Answer::Ok;
+        case Buttons::OkCancel:
+            return Answer::Cancel;
+        case Buttons::AbortRetryIgnore:
+            return Answer::Abort;
+        case Buttons::YesNoCancel:
+            return Answer::Cancel;
+        case Buttons::YesNo:
+            return Answer::No;
+        case Buttons::RetryCancel:
+            return Answer::Cancel;
     }
     return Answer::Ok;
 }

@@ -4,8 +4,8 @@
 // input at its end) every box takes the cautious answer, as --no does.
 
 #include <cstdio>
-#include <iosfwd>
 #include <deque>
+#include <iosfwd>
 #include <optional>
 #include <string>
 
@@ -16,7 +16,7 @@ namespace tvk::cli {
 enum class AutoAnswer { None, Yes, No };
 
 class ConsoleInteraction : public Interaction {
-public:
+  public:
     ConsoleInteraction(std::istream& in, std::ostream& out, std::ostream& err);
 
     AutoAnswer autoAnswer = AutoAnswer::None;
@@ -40,7 +40,7 @@ public:
     static Answer yesAnswer(Buttons buttons);
     static Answer noAnswer(Buttons buttons);
 
-private:
+  private:
     std::istream& in_;
     std::ostream& out_;
     std::ostream& err_;
