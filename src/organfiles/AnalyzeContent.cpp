@@ -1,0 +1,48 @@
+#include "organfiles/AnalyzeContent.h"
+
+#include "app/PlainFiles.h"
+#include "app/Routine.h"
+#include "app/Text.h"
+#include "organfiles/OrganNames.h"
+
+namespace tvk {
+
+namespace {
+
+ContentCounts countFiles(const std::vector<std::string>& names) {
+    ContentCounts c;
+    for (const auto& name : names) {
+        ++c.all;
+        const std::string ext = extensionOf(name);
+        if (ext == "EMR" || ext == "LMR") ++c.music;
+        if (ext == "EPG" || ext == "LPG") ++c.presets;
+        if (ext == "MP3") ++c.mp3;
+        if (ext == "MID") ++c.midi;
+    }
+    if (c.all > 0) c.other = c.all - (c.presets + c.music + c.mp3 + c.midi);
+    return c;
+}
+
+std::string summaryText(const std::string& fileSystem, const ContentCounts& c) {
+    const std::string br(kLineBreak);
+    return "FILESYS: " + fileSystem + br + "PRESET FILES: " + std::to_string(c.presets) + br +
+           "MUSIC FILES: " + std::to_string(c.music) + br + "MP3 FILES: " + std::to_string(c.mp3) +
+           br + "MIDI FILES: " + std::to_string(c.midi) + br +
+           "OTHER FILES: " + std::to_string(c.other);
+}
+
+}  // namespace
+
+void AnalyzeContent(Context& ctx, const std::filesystem::path& tavrinFolder) {
+    routine(ctx, "frmMain.AnalyzeContent", [&](Routine& r) {
+        ContentCounts counts;
+        r.step("Count the files of " + pathToUtf8(tavrinFolder),
+               [&] { counts = countFiles(listPlainFiles(tavrinFolder, "*")); });
+        ctx.state.counts = counts;
+        ctx.state.driveInfoText = summaryText(ctx.state.drive.fileSystem, counts);
+        ctx.ui.setStatus(StatusPanel::Progress, "");
+        ctx.ui.setStatus(StatusPanel::Second, "");
+    });
+}
+
+}  // namespace tvk

@@ -1,0 +1,79 @@
+#include "organfiles/FileLayout.h"
+
+#include <algorithm>
+#include <array>
+
+#include "app/PlainFiles.h"
+#include "app/Routine.h"
+#include "app/Text.h"
+#include "organfiles/OrganFile.h"
+
+namespace tvk {
+
+namespace {
+
+using Extensions = std::array<const char*, 3>;
+
+std::optional<int> readNames(Context& ctx, const char* routineName, const char* what,
+                             const Extensions& extensions, const std::filesystem::path& folder) {
+    return routine(ctx, routineName, [&](Routine& r) {
+        auto& list = ctx.state.nameList;
+        int count = 0;
+        r.step(std::string("List the ") + what + " files of " + pathToUtf8(folder), [&] {
+            list.assign(kNameListEntries + 1, {});
+            count = 0;
+            const std::vector<std::string> names = listPlainFiles(folder, "*");
+            for (const char* ext : extensions) {
+                const std::string pattern = std::string("*.") + ext;
+                for (const auto& name : names) {
+                    if (!matchesWildcard(name, pattern)) continue;
+                    if (count == kNameListEntries)
+                        throw RuntimeError(kErrSubscriptOutOfRange, "more than 750 files");
+                    list[++count] = name;
+                }
+            }
+        });
+        std::sort(list.begin() + 1, list.begin() + 1 + count);
+        return count;
+    });
+}
+
+}  // namespace
+
+std::string GetFileVersion(Context& ctx, const std::filesystem::path& file) {
+    std::string version;
+    routine(ctx, "frmMain.GetFileVersion", [&](Routine& r) {
+        r.step("Read the file version of " + pathToUtf8(file),
+               [&] { version = readFileVersion(file); });
+    });
+    return version;
+}
+
+std::string GetPresetName(Context& ctx, const std::filesystem::path& file) {
+    std::string name;
+    routine(ctx, "frmMain.GetPresetName", [&](Routine& r) {
+        r.step("Read the name of " + pathToUtf8(file), [&] { name = readPresetName(file); });
+    });
+    return name;
+}
+
+std::int32_t CalcAddress(Context& ctx, std::string_view family, std::string_view kind,
+                         std::string_view button) {
+    std::int32_t position = 0;
+    routine(ctx, "CodeModule.CalcAddress", [&](Routine& r) {
+        r.step("Record position of " + std::string(button),
+               [&] { position = calcAddress(family, kind, button); });
+    });
+    return position;
+}
+
+std::optional<int> ReadPresetNames(Context& ctx, const std::filesystem::path& folder) {
+    return readNames(ctx, "frmMain.ReadPresetNames", "preset", {"SPG", "APG", "EPG"}, folder);
+}
+
+std::optional<int> ReadRecordingsNames(Context& ctx, const std::filesystem::path& folder) {
+    return readNames(ctx, "frmMain.ReadRecordingsNames", "recording", {"SMR", "AMR", "EMR"},
+                     folder);
+}
+
+}  // namespace tvk

@@ -1,0 +1,151 @@
+#include "organfiles/MakeFiles.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fstream>
+
+#include "app/Routine.h"
+#include "app/Text.h"
+#include "organfiles/Cp1252.h"
+#include "organfiles/OrganFile.h"
+
+namespace tvk {
+
+namespace {
+
+// Whose registration it is, and what kind of music: "Grandpa's Swing".
+constexpr std::array<const char*, 21> kOwners = {
+    "Anna",   "Grandpa", "Grandma", "Uncle",   "Aunt",   "Teacher", "Pastor",
+    "Sunday", "Evening", "Holiday", "Theatre", "Chapel", "Lounge",  "Ballroom",
+    "Walter", "Maria",   "Henry",   "Dorothy", "Club",   "Cinema",  "Party"};
+constexpr std::array<const char*, 5> kStyles = {"Jazz", "Swing", "Waltz", "Piano", "Organ"};
+
+constexpr std::array<const char*, 10> kColours = {"Soft",   "Bright", "Full",  "Warm", "Light",
+                                                  "Mellow", "Big",    "Sweet", "Solo", "Dark"};
+constexpr std::array<const char*, 16> kVoices = {
+    "Strings", "Piano", "Jazz",  "Flute",  "Brass", "Choir", "Tibia",   "Reeds",
+    "Trumpet", "Vibes", "Bells", "Guitar", "Bass",  "Combo", "Theatre", "Diapason"};
+
+constexpr char kSerialCharacters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+
+std::string padded(const std::string& text, std::size_t width) {
+    std::string bytes = utf8ToCp1252(utf8Left(text, width));
+    bytes.resize(width, ' ');
+    return bytes;
+}
+
+void putField(std::string& file, std::int32_t position, const std::string& bytes) {
+    const auto at = static_cast<std::size_t>(position - 1);
+    if (file.size() < at + bytes.size()) file.resize(at + bytes.size(), '\0');
+    file.replace(at, bytes.size(), bytes);
+}
+
+// Every button code a family's files hold a record for.
+std::vector<std::string> buttonCodes(Series family) {
+    std::vector<std::string> codes;
+    if (family == Series::SU) codes.push_back("A0");  // one record before A1
+    for (char bank = 'A'; bank <= 'E'; ++bank)
+        for (int n = family == Series::SU ? 1 : 0; n <= 10; ++n)
+            codes.push_back(std::string(1, bank) + std::to_string(n));
+    return codes;
+}
+
+void writeFile(const std::filesystem::path& file, const std::string& bytes) {
+    std::ofstream out(file, std::ios::binary | std::ios::trunc);
+    if (!out) throw RuntimeError::fromErrno(errno, pathToUtf8(file));
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    if (!out) throw RuntimeError::fromErrno(errno ? errno : EIO, pathToUtf8(file));
+}
+
+struct Job {
+    Series family;
+    FileKind kind;
+    int count;
+};
+
+}  // namespace
+
+std::string MakeRandomName(RandomSource& random) {
+    const std::string first = kOwners[static_cast<std::size_t>(random.below(21))];
+    const std::string second = kStyles[static_cast<std::size_t>(random.below(5))];
+    return utf8Left(first + "'s " + second, kNameWidth);
+}
+
+std::string RandomSN(RandomSource& random) {
+    std::string serial = "........";
+    for (char& c : serial) c = kSerialCharacters[random.below(sizeof kSerialCharacters - 1)];
+    return serial;
+}
+
+std::string makeRegistrationName(RandomSource& random) {
+    return std::string(kColours[static_cast<std::size_t>(random.below(kColours.size()))]) + " " +
+           kVoices[static_cast<std::size_t>(random.below(kVoices.size()))];
+}
+
+std::string buildTestFile(Series family, FileKind kind, const std::string& name,
+                          RandomSource& random) {
+    const bool preset = kind == FileKind::Preset;
+    std::string file = organHeader(family) + padded(name, kNameWidth) +
+                       (preset ? "Preset " : "Song   ") + "   " + std::string(kCrLf);
+    for (const auto& code : buttonCodes(family)) {
+        const std::int32_t position = calcAddress(family, kind, code);
+        putField(file, position, padded(makeRegistrationName(random), kNameWidth));
+        // Each record is full length, so the file ends after the last whole record.
+        if (file.size() < static_cast<std::size_t>(position - 1 + recordLength(family)))
+            file.resize(static_cast<std::size_t>(position - 1 + recordLength(family)), '\0');
+    }
+    return file;
+}
+
+MakeFilesResult MakeFiles(Context& ctx, const MakeFilesRequest& request, RandomSource& random) {
+    MakeFilesResult result;
+    routine(ctx, "frmMakeFiles.MakeFiles", [&](Routine& r) {
+        const std::string suffix = request.suffix.empty() ? RandomSN(random) : request.suffix;
+        result.folder = request.parent / pathFromUtf8("FAKEPRFILES - " + suffix);
+        if (!r.step("Create " + pathToUtf8(result.folder),
+                    [&] { std::filesystem::create_directories(result.folder); }))
+            return;
+
+        const std::array<Job, 6> jobs = {
+            {{Series::SU, FileKind::Preset, request.presetsPerFamily},
+             {Series::A, FileKind::Preset, request.presetsPerFamily},
+             {Series::E, FileKind::Preset, request.presetsPerFamily},
+             {Series::SU, FileKind::Recording, request.songsPerFamily},
+             {Series::A, FileKind::Recording, request.songsPerFamily},
+             {Series::E, FileKind::Recording, request.songsPerFamily}}};
+        int total = 0;
+        for (const auto& job : jobs) total += std::max(0, job.count);
+        ctx.ui.showProgress(std::max(total, 1));
+        int done = 0;
+        for (const auto& job : jobs) {
+            const int limit = job.kind == FileKind::Preset ? kMaxPresetNumber : kMaxRecordingNumber;
+            int number = 1;
+            for (int made = 0; made < job.count; ++made) {
+                std::string name = organFileName(job.family, job.kind, number);
+                while (number <= limit && std::filesystem::exists(result.folder / name))
+                    name = organFileName(job.family, job.kind, ++number);
+                if (number > limit) {
+                    result.notWritten += job.count - made;
+                    done += job.count - made;
+                    break;
+                }
+                ctx.ui.setStatus(StatusPanel::Progress, "Writing " + name);
+                const std::string bytes =
+                    buildTestFile(job.family, job.kind, MakeRandomName(random), random);
+                if (r.step("Write " + name, [&] { writeFile(result.folder / name, bytes); }))
+                    result.written.push_back(name);
+                ++number;
+                ctx.ui.setProgress(++done);
+                ctx.ui.processEvents();
+            }
+        }
+        ctx.ui.hideProgress();
+        ctx.ui.setStatus(StatusPanel::Progress,
+                         std::to_string(result.written.size()) + " test files written");
+    });
+    return result;
+}
+
+}  // namespace tvk

@@ -1,0 +1,193 @@
+#include "organfiles/OrganFile.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+#include "app/RuntimeError.h"
+#include "app/Text.h"
+#include "organfiles/Cp1252.h"
+
+namespace tvk {
+
+namespace {
+
+constexpr std::streamsize kFirstBlock = 512;
+constexpr std::streamsize kMoreBlock = 16384;
+
+std::ifstream openForReading(const std::filesystem::path& file) {
+    errno = 0;
+    std::ifstream in(file, std::ios::binary);
+    if (!in) {
+        const int err = errno;
+        std::error_code ec;
+        if (err == 0 || !std::filesystem::exists(file, ec))
+            throw RuntimeError(kErrFileNotFound, pathToUtf8(file));
+        if (std::filesystem::is_directory(file, ec))
+            throw RuntimeError(kErrPathFileAccess, pathToUtf8(file));
+        throw RuntimeError::fromErrno(err, pathToUtf8(file));
+    }
+    return in;
+}
+
+// The runtime's Str of a single: seven significant digits, no leading zero before
+// the point ("0.5" is ".5").
+std::string singleText(float value) {
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.7g", static_cast<double>(value));
+    std::string text(buffer);
+    if (startsWith(text, "0.")) text.erase(0, 1);
+    if (startsWith(text, "-0.")) text.erase(1, 1);
+    return text;
+}
+
+struct Family {
+    std::int32_t length, firstPreset, firstRecording;
+    bool countsFromOne;
+};
+
+bool familyOf(std::string_view letter, Family& out) {
+    if (letter == "S")
+        out = {596, 1027, 2220, true};
+    else if (letter == "A")
+        out = {610, 1027, 2247, false};
+    else if (letter == "E")
+        out = {624, 1027, 2275, false};
+    else
+        return false;
+    return true;
+}
+
+}  // namespace
+
+std::string readWholeFile(const std::filesystem::path& file) {
+    std::ifstream in = openForReading(file);
+    std::error_code ec;
+    const auto size = std::filesystem::file_size(file, ec);
+    std::string bytes;
+    if (!ec) {
+        bytes.resize(static_cast<std::size_t>(size));
+        bytes.resize(static_cast<std::size_t>(in.rdbuf()->sgetn(bytes.data(), bytes.size())));
+        // A file that grew since the size was taken is read to its end.
+        char more[4096];
+        for (std::streamsize n; (n = in.rdbuf()->sgetn(more, sizeof more)) > 0;)
+            bytes.append(more, n);
+    } else {
+        char more[16384];
+        for (std::streamsize n; (n = in.rdbuf()->sgetn(more, sizeof more)) > 0;)
+            bytes.append(more, n);
+    }
+    return bytes;
+}
+
+std::string readFirstLine(const std::filesystem::path& file) {
+    std::ifstream in = openForReading(file);
+    std::string bytes(kFirstBlock, '\0');
+    std::streamsize got = in.rdbuf()->sgetn(bytes.data(), kFirstBlock);
+    bytes.resize(static_cast<std::size_t>(got));
+    if (bytes.empty()) throw RuntimeError(kErrInputPastEndOfFile, pathToUtf8(file));
+    std::size_t searched = 0;
+    for (;;) {
+        const std::size_t end = bytes.find_first_of("\r\n", searched);
+        if (end != std::string::npos) return bytes.substr(0, end);
+        searched = bytes.size();
+        const std::size_t before = bytes.size();
+        bytes.resize(before + kMoreBlock);
+        got = in.rdbuf()->sgetn(bytes.data() + before, kMoreBlock);
+        bytes.resize(before + static_cast<std::size_t>(got));
+        if (got <= 0) return bytes;
+    }
+}
+
+std::string versionFromLine(std::string_view line) {
+    const std::size_t mark = line.find(kBrandMark);
+    // Searching from position 0 is an invalid call for the runtime's InStr.
+    if (mark == std::string_view::npos)
+        throw RuntimeError(kErrInvalidProcedureCall, "no TAVRN mark");
+    const std::size_t ver = line.find("Ver", mark);
+    if (ver == std::string_view::npos) throw RuntimeError(kErrTypeMismatch, "no version");
+    const std::string field = trim(cp1252ToUtf8(line.substr(std::min(line.size(), ver + 3), 3)));
+    if (field.empty()) throw RuntimeError(kErrTypeMismatch, "empty version");
+    char* end = nullptr;
+    const double value = std::strtod(field.c_str(), &end);
+    if (end != field.c_str() + field.size() || !std::isfinite(value))
+        throw RuntimeError(kErrTypeMismatch, "version '" + field + "'");
+    return singleText(static_cast<float>(value));
+}
+
+std::string nameFromLine(std::string_view line) {
+    const std::size_t mark = line.find(kBrandMark);
+    const std::size_t start = mark == std::string_view::npos ? 0 : std::min(line.size(), mark + 16);
+    return trim(cp1252ToUtf8(line.substr(start, kNameWidth)));
+}
+
+std::string readFileVersion(const std::filesystem::path& file) {
+    return versionFromLine(readFirstLine(file));
+}
+
+std::string readPresetName(const std::filesystem::path& file) {
+    return nameFromLine(readFirstLine(file));
+}
+
+std::string fieldAt(std::string_view bytes, std::int32_t position, std::size_t width) {
+    if (position < 1 || static_cast<std::size_t>(position) > bytes.size()) return {};
+    return cp1252ToUtf8(bytes.substr(static_cast<std::size_t>(position - 1), width));
+}
+
+std::int32_t calcAddress(std::string_view family, std::string_view kind, std::string_view button) {
+    Family f{};
+    if (!familyOf(family, f)) return 0;
+    std::int32_t first = 0;
+    if (kind == "PRESET")
+        first = f.firstPreset;
+    else if (kind == "RECORDING")
+        first = f.firstRecording;
+    else
+        return 0;
+    if (button == "0") return kNamePosition;
+    if (button.empty()) return 0;
+    const char bank = button.front();
+    if (bank < 'A' || bank > 'E') return 0;
+    const double n = std::trunc(valueOf(button.substr(1)));
+    if (std::abs(n) > 1e6) return 0;  // no button is numbered like that
+    const std::int32_t b = bank - 'A';
+    const std::int32_t index = f.countsFromOne ? b * 10 + static_cast<std::int32_t>(n) - 1
+                                               : b * 11 + static_cast<std::int32_t>(n);
+    return first + index * f.length;
+}
+
+const char* familyLetter(Series family) {
+    switch (family) {
+        case Series::SU:
+            return "S";
+        case Series::A:
+            return "A";
+        case Series::E:
+            return "E";
+        case Series::All:
+            break;
+    }
+    return "";
+}
+
+std::int32_t calcAddress(Series family, FileKind kind, std::string_view button) {
+    const char* kindText = kind == FileKind::Preset      ? "PRESET"
+                           : kind == FileKind::Recording ? "RECORDING"
+                                                         : "";
+    return calcAddress(familyLetter(family), kindText, button);
+}
+
+std::string organHeader(Series family) {
+    const char* version = family == Series::SU ? "2.0" : family == Series::A ? "3.0" : "4.0";
+    return std::string("\x5A\xA5\x16\x5F") + "    " + "S\\" + "      " + std::string(kBrandMark) +
+           " SEQ " + "Ver" + version;
+}
+
+std::int32_t recordLength(Series family) {
+    Family f{};
+    return familyOf(familyLetter(family), f) ? f.length : 0;
+}
+
+}  // namespace tvk

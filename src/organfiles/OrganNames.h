@@ -1,0 +1,71 @@
+#pragma once
+// What an organ file is, from its name alone: kind, series, name type and file number,
+// and the names the program builds for organ files. Every command that copies, sorts,
+// renames, lists or searches organ files asks here.
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "app/MainState.h"
+
+namespace tvk {
+
+struct Context;
+
+enum class FileKind { Preset, Recording, Midi, Mp3, Other };
+// "PSET", "SONG", "NAME" or "OTHER", as the copy, transfer and sort commands hold them.
+enum class NameType { PSET, SONG, NAME, OTHER };
+
+inline constexpr int kMaxPresetNumber = 250;
+inline constexpr int kMaxRecordingNumber = 40;
+
+const char* nameTypeText(NameType type);
+const char* fileKindText(FileKind kind);  // "preset", "recording", "MIDI", "MP3", "other"
+const char* seriesCode(Series series);    // "SU", "A", "E" ("ALL" for the view filter)
+
+// The upper-cased last three characters of a name ("LPG" for "supset07.lpg").
+std::string extensionOf(std::string_view name);
+FileKind fileKind(std::string_view name);
+bool isGenericExtension(std::string_view upperExtension);  // "LPG", "LMR"
+
+// The family a file belongs to: from its own extension, or for the generic extensions
+// from its prefix. nullopt when neither tells (MYSET.LPG, NOTES.TXT).
+std::optional<Series> seriesOf(std::string_view name);
+
+NameType nameType(std::string_view name);
+
+// The runtime's Val: the leading number of a text, blanks skipped, stopping at the first
+// character that cannot continue it ("01." is 1, "7a" is 7, "abc" is 0).
+double valueOf(std::string_view text);
+
+struct NameInfo {
+    FileKind kind = FileKind::Other;
+    NameType type = NameType::OTHER;
+    std::string seriesLetter;   // "S", "A", "E", another first letter, or "" for OTHER
+    std::optional<int> number;  // PSET and SONG names of the S, A and E families only
+};
+NameInfo classifyName(std::string_view name);
+
+// Names of new organ files. The copy engine, transfers and the test-file generator use
+// two digits for SU and three for A and E; the rename command uses three for every
+// family. Both read back to the same number. Empty for an Other/Midi/Mp3 kind.
+std::string organFileName(Series family, FileKind kind, int number);
+std::string renamedOrganFileName(Series family, FileKind kind, int number);
+// The same names with the number given at least `digits` digits.
+std::string organFileName(Series family, FileKind kind, int number, int digits);
+
+// "SUPSET07 (1).LPG": the copy of a taken name. A name without a three-letter extension
+// gets the counter before its extension, or at its end when it has none.
+std::string duplicateName(std::string_view name, int counter);
+// The first free duplicate name in `folder`, counting from `firstCounter`.
+std::string freeDuplicateName(const std::filesystem::path& folder, std::string_view name,
+                              int firstCounter = 1);
+
+// Replaces the nine characters a file name may not hold by look-alikes, one character
+// for one. checkName is the plain function; CheckName the traced routine.
+std::string checkName(std::string_view text);
+std::string CheckName(Context& ctx, std::string_view text);
+
+}  // namespace tvk
