@@ -1,0 +1,209 @@
+// The fixed fields inside preset and recording files: version, name, record positions,
+// folder listings, and readers fed odd and broken files.
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "app/RuntimeError.h"
+#include "app/Session.h"
+#include "organfiles/FileLayout.h"
+#include "organfiles/MakeFiles.h"
+#include "organfiles/OrganFile.h"
+#include "support/FakeSystem.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TempTree.h"
+
+namespace tvk {
+namespace {
+
+std::string header(const char* version = "2.0") {
+    return std::string("\x5A\xA5\x16\x5F") + "    S\\      TAVRN SEQ Ver" + version;
+}
+std::string padded(std::string text, std::size_t width = 16) {
+    text.resize(width, ' ');
+    return text;
+}
+
+TEST(OrganLayout, CalcAddress) {
+    struct Case {
+        const char* family;
+        const char* kind;
+        const char* button;
+        std::int32_t position;
+    };
+    const Case cases[] = {
+        {"S", "PRESET", "A1", 1027},
+        {"S", "PRESET", "B1", 1027 + 10 * 596},
+        {"S", "PRESET", "A0", 431},             // one record before A1
+        {"S", "PRESET", "B0", 1027 + 9 * 596},  // the same record as A10
+        {"S", "PRESET", "E10", 1027 + 49 * 596},
+        {"S", "RECORDING", "A1", 2220},
+        {"A", "PRESET", "A1", 1027 + 610},
+        {"A", "PRESET", "A0", 1027},
+        {"A", "RECORDING", "C5", 2247 + 27 * 610},
+        {"E", "RECORDING", "B2", 10387},
+        {"E", "PRESET", "E10", 1027 + 54 * 624},
+        {"S", "PRESET", "0", 33},
+        {"A", "RECORDING", "0", 33},
+        {"E", "PRESET", "0", 33},
+        {"X", "PRESET", "A1", 0},
+        {"SU", "PRESET", "A1", 0},
+        {"S", "MIDI", "A1", 0},
+        {"S", "PRESET", "F1", 0},
+        {"S", "PRESET", "a1", 0},
+        {"S", "PRESET", "", 0},
+        {"A", "PRESET", "B", 1027 + 11 * 610},  // no number reads as 0
+    };
+    test::ScriptedInteraction ui;
+    Session session(std::make_unique<test::FakeSystem>(), ui);
+    Context ctx = session.context();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.family) + " " + c.kind + " " + c.button);
+        EXPECT_EQ(calcAddress(c.family, c.kind, c.button), c.position);
+        EXPECT_EQ(CalcAddress(ctx, c.family, c.kind, c.button), c.position);
+    }
+    EXPECT_EQ(calcAddress(Series::E, FileKind::Recording, "B2"), 10387);
+}
+
+struct ReaderCase {
+    const char* what;
+    std::string bytes;
+    std::string version;  // "" when reading it is an error
+    int versionError;
+    std::string name;
+    int nameError;
+};
+
+TEST(OrganLayout, ReadsVersionAndNameFromOddFiles) {
+    const std::string standard = header() + padded("MY PRESET") + "Preset    \r\n";
+    const ReaderCase cases[] = {
+        {"standard SU", standard, "2", 0, "MY PRESET", 0},
+        {"A family", header("3.0") + padded("Jazz") + "\r\n", "3", 0, "Jazz", 0},
+        {"point five", header("2.5") + padded("x"), "2.5", 0, "x", 0},
+        {"mark moved", "xx" + header("4.0") + padded(" Lead in") + "\n", "4", 0, "Lead in", 0},
+        {"no mark", "Hello World 123456789\r\nTAVRN", "", 5, "Hello World 1234", 0},
+        {"not a number", header("abc") + padded("n"), "", 13, "n", 0},
+        {"no Ver", std::string("TAVRN SEQ Xyz2.0") + padded("n"), "", 13, "n", 0},
+        {"short name", header() + "MY PR", "2", 0, "MY PR", 0},
+        {"ends at version", header().substr(0, 28), "", 13, "", 0},
+        {"CR inside name", header() + "AB\rCD", "2", 0, "AB", 0},
+        {"Windows-1252", header() + padded("Caf\xE9 \x80"), "2", 0, "Caf\u00E9 \u20AC", 0},
+        {"empty", "", "", 62, "", 62},
+        {"one CR", "\r", "", 5, "", 0},
+    };
+    test::TempTree tree;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const auto file = tree.write("odd.SPG", c.bytes);
+        auto errorOf = [&](auto read) {
+            try {
+                read(file);
+            } catch (const RuntimeError& e) {
+                return e.number();
+            }
+            return 0;
+        };
+        EXPECT_EQ(errorOf(readFileVersion), c.versionError);
+        if (!c.versionError) EXPECT_EQ(readFileVersion(file), c.version);
+        EXPECT_EQ(errorOf(readPresetName), c.nameError);
+        if (!c.nameError) EXPECT_EQ(readPresetName(file), c.name);
+    }
+    EXPECT_EQ(
+        readPresetName(tree.write("long.SPG", header() + padded("N") + std::string(40000, 'x'))),
+        "N");
+}
+
+struct OrganLayoutRoutines : ::testing::Test {
+    test::TempTree tree;
+    test::ScriptedInteraction ui;
+    Session session{std::make_unique<test::FakeSystem>(), ui};
+    Context ctx = session.context();
+};
+
+TEST_F(OrganLayoutRoutines, FailuresGoThroughTheErrorHandler) {
+    const auto noMark = tree.write("nomark.LPG", "Just some text\r\n");
+    ui.expect("TVK: RUNTIME ERROR", Answer::Ignore)
+        .expect("TVK: RUNTIME ERROR", Answer::Ignore)
+        .expect("TVK: RUNTIME ERROR", Answer::Retry)
+        .expect("TVK: RUNTIME ERROR", Answer::Ignore);
+    EXPECT_EQ(GetFileVersion(ctx, noMark), "");
+    EXPECT_EQ(GetPresetName(ctx, noMark), "Just some text");  // no mark is no error here
+    EXPECT_EQ(GetPresetName(ctx, tree.path("missing.LPG")), "");
+    EXPECT_EQ(GetFileVersion(ctx, tree.path("missing.LPG")), "");
+    ASSERT_TRUE(ui.done());
+    EXPECT_NE(ui.shown[0].text.find("Err#5"), std::string::npos);
+    EXPECT_NE(ui.shown[0].text.find("frmMain.GetFileVersion"), std::string::npos);
+    EXPECT_NE(ui.shown[1].text.find("Err#53"), std::string::npos);
+    EXPECT_NE(ui.shown[1].text.find("frmMain.GetPresetName"), std::string::npos);
+}
+
+TEST_F(OrganLayoutRoutines, ListsPresetAndRecordingFilesSorted) {
+    for (const char* f : {"b.EPG", "a.APG", "C.spg", "SUPSET01.LPG", ".h.SPG", "x.SMR", "y.EMR",
+                          "z.AMR", "ASONG001.LMR", "tune.mp3", "APG"})
+        tree.write(std::string("TAVRIN/") + f, "x");
+    tree.mkdir("TAVRIN/folder.SPG");
+    ctx.state.nameList[300] = "stale";
+    EXPECT_EQ(ReadPresetNames(ctx, tree.path("TAVRIN")), 3);
+    EXPECT_EQ(
+        std::vector<std::string>(ctx.state.nameList.begin() + 1, ctx.state.nameList.begin() + 4),
+        (std::vector<std::string>{"C.spg", "a.APG", "b.EPG"}));  // plain byte order
+    EXPECT_EQ(ctx.state.nameList[300], "");
+    EXPECT_EQ(ReadRecordingsNames(ctx, tree.path("TAVRIN")), 3);
+    EXPECT_EQ(ctx.state.nameList[1], "x.SMR");
+    EXPECT_EQ(ctx.state.nameList[3], "z.AMR");
+    EXPECT_TRUE(ui.shown.empty());
+}
+
+TEST_F(OrganLayoutRoutines, MoreThan750FilesIsAnIndexError) {
+    for (int i = 0; i < 751; ++i) tree.write("many/P" + std::to_string(1000 + i) + ".EPG", "");
+    ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
+    EXPECT_EQ(ReadPresetNames(ctx, tree.path("many")), 750);
+    ASSERT_TRUE(ui.done());
+    EXPECT_NE(ui.shown[0].text.find("Err#9"), std::string::npos);
+    EXPECT_EQ(ctx.state.nameList[1], "P1000.EPG");
+    EXPECT_TRUE(std::is_sorted(ctx.state.nameList.begin() + 1, ctx.state.nameList.end()));
+    tree.write("many/P2000.EPG", "");
+    std::filesystem::remove(tree.path("many/P1000.EPG"));
+    std::filesystem::remove(tree.path("many/P1001.EPG"));
+    EXPECT_EQ(ReadPresetNames(ctx, tree.path("many")), 750);  // exactly full is fine
+}
+
+// Random bytes and every truncation of a real file: readers answer or throw
+// RuntimeError, never crash or read past the end (run under ASan to see the latter).
+TEST(OrganLayout, SurvivesRandomAndTruncatedFiles) {
+    RandomSource names(7);
+    const std::string good = buildTestFile(Series::E, FileKind::Recording, "Fuzz Song", names);
+    std::mt19937 random(11);
+    test::TempTree tree;
+    auto probe = [&](const std::string& bytes) {
+        const auto file = tree.write("f.EMR", bytes);
+        try {
+            readFileVersion(file);
+        } catch (const RuntimeError&) {
+        }
+        try {
+            readPresetName(file);
+        } catch (const RuntimeError&) {
+        }
+        for (std::int32_t pos : {1, 33, 2275, 10387, 40000, 0, -5})
+            EXPECT_LE(fieldAt(bytes, pos).size(), 16u * 3);
+    };
+    for (std::size_t n = 0; n <= 64; ++n) probe(good.substr(0, n));
+    for (std::size_t n = 64; n < good.size(); n += 997) probe(good.substr(0, n));
+    for (int round = 0; round < 200; ++round) {
+        std::string junk(random() % 300, '\0');
+        for (auto& c : junk) c = static_cast<char>(random());
+        if (round % 3 == 0) junk.insert(random() % (junk.size() + 1), "TAVRN SEQ Ver");
+        probe(junk);
+    }
+    for (int round = 0; round < 500; ++round) {
+        std::string code(random() % 5, 'A');
+        for (auto& c : code) c = static_cast<char>(32 + random() % 95);
+        const auto pos = calcAddress("E", "PRESET", code);
+        EXPECT_TRUE(pos == 0 || pos == 33 || (pos - 1027) % 624 == 0) << code;
+    }
+}
+
+}  // namespace
+}  // namespace tvk
