@@ -96,7 +96,7 @@ void writeWhole(const std::filesystem::path& file, std::string_view bytes) {
 
 }  // namespace
 
-cMP3Info::cMP3Info(Context& ctx) : ctx_(ctx) {}
+cMP3Info::cMP3Info(Context& ctx) : ctx_(&ctx) {}
 
 void cMP3Info::LetFilename(const std::filesystem::path& file) {
     file_ = file;
@@ -116,7 +116,7 @@ void cMP3Info::ClearInfo() {
 }
 
 void cMP3Info::ReadMp3() {
-    routine(ctx_, "cMP3Info.ReadMp3", [&](Routine& r) {
+    routine(*ctx_, "cMP3Info.ReadMp3", [&](Routine& r) {
         ClearInfo();
         r.step("Read " + pathToUtf8(file_), [&] {
             ClearInfo();
@@ -215,7 +215,7 @@ std::string cMP3Info::Emphasis() const {
 
 std::string cMP3Info::ReadFileBinary(const std::filesystem::path& file) {
     std::string bytes;
-    routine(ctx_, "cMP3Info.ReadFileBinary", [&](Routine& r) {
+    routine(*ctx_, "cMP3Info.ReadFileBinary", [&](Routine& r) {
         r.step("Read " + pathToUtf8(file), [&] {
             std::ifstream in = openBinary(file);
             const auto length = std::filesystem::file_size(file);
@@ -226,7 +226,7 @@ std::string cMP3Info::ReadFileBinary(const std::filesystem::path& file) {
 }
 
 void cMP3Info::ReadMp3Binary(std::string_view bytes) {
-    routine(ctx_, "cMP3Info.ReadMp3Binary", [&](Routine& r) {
+    routine(*ctx_, "cMP3Info.ReadMp3Binary", [&](Routine& r) {
         ClearInfo();
         const std::uint64_t length = bytes.size();
         const bool v1Tag = length >= kV1TagSize && bytes.substr(length - kV1TagSize, 3) == "TAG";
@@ -252,7 +252,7 @@ std::uint32_t cMP3Info::StringToSizeBin(std::string_view four) {
 
 bool cMP3Info::RemovePreHeader() {
     bool removed = false;
-    routine(ctx_, "cMP3Info.RemovePreHeader", [&](Routine& r) {
+    routine(*ctx_, "cMP3Info.RemovePreHeader", [&](Routine& r) {
         if (!valid_ || headerOffset_ == 0) return;
         r.step("Remove the bytes before the first frame of " + pathToUtf8(file_), [&] {
             std::ifstream in = openBinary(file_);
@@ -270,7 +270,7 @@ bool cMP3Info::RemovePreHeader() {
 
 bool cMP3Info::RemoveV1Tag() {
     bool removed = false;
-    routine(ctx_, "cMP3Info.RemoveV1Tag", [&](Routine& r) {
+    routine(*ctx_, "cMP3Info.RemoveV1Tag", [&](Routine& r) {
         r.step("Remove the ID3v1 tag of " + pathToUtf8(file_), [&] {
             std::ifstream in = openBinary(file_);
             const auto length = std::filesystem::file_size(file_);

@@ -68,7 +68,7 @@ class cMP3Info {
     // Everything that follows from the header, the Xing block and the sizes.
     void derive(std::uint64_t length, bool v1Tag, const mp3::XingInfo& xing, bool wholeNumbers);
 
-    Context& ctx_;
+    Context* ctx_;  // a pointer, so readers can be assigned
     std::filesystem::path file_;
     mp3::FrameFields f_;
     bool valid_ = false;
