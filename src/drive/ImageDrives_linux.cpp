@@ -1,0 +1,199 @@
+#include "drive/ImageDrives.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <fstream>
+#include <thread>
+
+#include "app/RuntimeError.h"
+#include "app/Text.h"
+#include "drive/MountInfo.h"
+#include "drive/Process.h"
+
+namespace tvk {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string readText(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+bool isMountPoint(const fs::path& dir) {
+    const std::string wanted = pathToUtf8(dir);
+    for (const auto& m : parseMountInfo(readText("/proc/self/mountinfo")))
+        if (m.mountPoint == wanted) return true;
+    return false;
+}
+
+// A FUSE driver finishes writing after the unmount returns; wait until no process holds
+// the image (or its loop device) open, so the next tool sees the final bytes.
+void waitUntilReleased(const fs::path& file) {
+    std::error_code ec;
+    const fs::path target = fs::weakly_canonical(file, ec);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    for (;;) {
+        bool held = false;
+        for (const auto& proc : fs::directory_iterator("/proc", ec)) {
+            const std::string pid = fileNameUtf8(proc.path());
+            if (pid.empty() || pid.find_first_not_of("0123456789") != std::string::npos ||
+                pid == std::to_string(getpid()))
+                continue;
+            for (const auto& fd : fs::directory_iterator(proc.path() / "fd", ec)) {
+                std::error_code lec;
+                if (fs::read_symlink(fd.path(), lec) == target) {
+                    held = true;
+                    break;
+                }
+            }
+            if (held) break;
+        }
+        if (!held || std::chrono::steady_clock::now() > deadline) return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
+void writeRecord(const fs::path& record, const ImageDrive& d) {
+    std::ofstream out(record, std::ios::binary | std::ios::trunc);
+    out << pathToUtf8(d.image) << "\n" << d.loopDevice << "\n";
+}
+
+std::string detachLoop(const std::string& loop) {
+    if (loop.empty()) return {};
+    waitUntilReleased(loop);
+    const auto r = runProcess({"losetup", "-d", loop});
+    return r.ok() ? std::string() : r.output;
+}
+
+std::string unmountDir(const fs::path& dir) {
+    if (!isMountPoint(dir)) return {};
+    auto r = runProcess({"fusermount", "-u", pathToUtf8(dir)});
+    if (!r.ok()) r = runProcess({"umount", pathToUtf8(dir)});
+    if (!r.ok()) r = runProcess({"fusermount", "-u", "-z", pathToUtf8(dir)});
+    return r.ok() ? std::string() : trimWhitespace(r.output);
+}
+
+}  // namespace
+
+fs::path imageMountFolder() {
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    std::error_code ec;
+    if (runtime && *runtime && fs::is_directory(runtime, ec))
+        return fs::path(runtime) / "tavrin-file-manager" / "drives";
+    return fs::temp_directory_path() / ("tavrin-file-manager-" + std::to_string(getuid())) /
+           "drives";
+}
+
+ImageDrives::ImageDrives(fs::path runtimeFolder) : folder_(std::move(runtimeFolder)) {}
+
+ImageDrives::~ImageDrives() {
+    for (auto& d : drives_) {
+        unmount(*d);
+        std::error_code ec;
+        fs::remove(d->mountDir, ec);
+        fs::remove(fs::path(d->mountDir).concat(".image"), ec);
+    }
+}
+
+ImageDrive* ImageDrives::find(const std::string& id) {
+    for (auto& d : drives_)
+        if (d->id == id) return d.get();
+    return nullptr;
+}
+
+ImageDrive& ImageDrives::attach(const fs::path& image) {
+    std::error_code ec;
+    if (!fs::is_regular_file(image, ec)) throw RuntimeError(kErrFileNotFound, pathToUtf8(image));
+    auto d = std::make_unique<ImageDrive>();
+    d->image = fs::absolute(image);
+    ++counter_;
+    d->id = "image" + std::to_string(counter_);
+    const std::string stem = std::to_string(getpid()) + "-" + std::to_string(counter_);
+    d->mountDir = folder_ / stem;
+    fs::create_directories(d->mountDir, ec);
+    throwIfError(ec, pathToUtf8(d->mountDir));
+    if (const std::string problem = mount(*d); !problem.empty()) {
+        fs::remove(d->mountDir, ec);
+        fs::remove(folder_ / (stem + ".image"), ec);
+        throw RuntimeError(kErrDeviceIO, pathToUtf8(image) + ": " + problem);
+    }
+    drives_.push_back(std::move(d));
+    return *drives_.back();
+}
+
+std::string ImageDrives::mount(ImageDrive& d) {
+    if (d.mounted) return {};
+    const auto probe = probeVolume(d.image);
+    if (!probe)
+        return "the image holds no file system the program knows (its boot sector may be "
+               "damaged)";
+    d.probe = *probe;
+    const std::string image = pathToUtf8(d.image), dir = pathToUtf8(d.mountDir);
+    std::vector<std::string> command;
+    if (probe->fatBits != 0) {
+        command = {"fusefat", "-o", "rw+", image, dir};
+    } else if (probe->fileSystemName == "exFAT") {
+        // As root exfat-fuse insists on a block device.
+        std::string source = image;
+        if (geteuid() == 0) {
+            const auto loop = runProcess({"losetup", "-f", "--show", image});
+            if (!loop.ok()) return "no loop device for the exFAT image: " + loop.output;
+            d.loopDevice = trimWhitespace(loop.output);
+            source = d.loopDevice;
+        }
+        command = {"mount.exfat-fuse", source, dir};
+    } else if (startsWith(probe->fileSystemName, "ext")) {
+        command = {"fuse2fs", image, dir, "-o", "rw"};
+    } else {
+        return "no driver here mounts a " + probe->fileSystemName + " image";
+    }
+    writeRecord(fs::path(d.mountDir).concat(".image"), d);
+    const auto r = runProcess(command);
+    if (!r.ok() || !isMountPoint(d.mountDir)) {
+        detachLoop(d.loopDevice);
+        d.loopDevice.clear();
+        return command[0] + " could not mount it: " + trimWhitespace(r.output);
+    }
+    d.mounted = true;
+    return {};
+}
+
+std::string ImageDrives::unmount(ImageDrive& d) {
+    if (!d.mounted) return {};
+    const std::string problem = unmountDir(d.mountDir);
+    if (!problem.empty()) return problem;
+    d.mounted = false;
+    waitUntilReleased(d.image);
+    detachLoop(d.loopDevice);
+    d.loopDevice.clear();
+    return {};
+}
+
+void ImageDrives::cleanStale(const fs::path& folder) {
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(folder, ec)) {
+        const std::string name = fileNameUtf8(entry.path());
+        if (!endsWith(name, ".image")) continue;
+        const std::string stem = name.substr(0, name.size() - 6);
+        const long pid = std::strtol(stem.c_str(), nullptr, 10);
+        if (pid <= 0 || (kill(static_cast<pid_t>(pid), 0) != 0 && errno != ESRCH)) continue;
+        if (kill(static_cast<pid_t>(pid), 0) == 0) continue;  // that run is still going
+        const fs::path dir = folder / stem;
+        std::string record = readText(entry.path());
+        const auto nl = record.find('\n');
+        const std::string loop =
+            nl == std::string::npos ? "" : trimWhitespace(record.substr(nl + 1));
+        unmountDir(dir);
+        detachLoop(loop);
+        std::error_code rec;
+        fs::remove(dir, rec);
+        fs::remove(entry.path(), rec);
+    }
+}
+
+}  // namespace tvk

@@ -1,0 +1,204 @@
+#include "drive/ScanForUSBs.h"
+
+#include "app/CommonRoutines.h"
+#include "app/PlainFiles.h"
+#include "app/Routine.h"
+#include "app/Text.h"
+#include "app/Version.h"
+#include "drive/VolumeCommands.h"
+#include "organfiles/AnalyzeContent.h"
+
+namespace tvk {
+
+namespace {
+
+const std::string kBr(kLineBreak), kBlank(kBlankLine), kQ(kQuote);
+
+void enable(MainState& state, const std::string& control, bool on) {
+    state.enabled[control] = on;
+}
+
+void setTransferButtons(MainState& state, bool update, bool restore, bool others) {
+    enable(state, controlName("btnUSB_Docs", 0), update);
+    enable(state, controlName("btnUSB_Docs", 1), restore);
+    for (int i = 2; i < kTransferButtons; ++i) enable(state, controlName("btnUSB_Docs", i), others);
+}
+
+// No usable drive: the thumbdrive list shows nothing and the drive commands wait.
+void showNoDrive(Context& ctx) {
+    MainState& s = ctx.state;
+    s.usbPattern = kNoDrivePattern;
+    s.drive.present = false;
+    setTransferButtons(s, false, false, false);
+    enable(s, "btnSort", false);
+    s.counts = ContentCounts{};
+    s.driveInfoText.clear();
+}
+
+void forgetDrive(Context& ctx) {
+    showNoDrive(ctx);
+    ctx.state.drive = ThumbDriveState{};
+    enable(ctx.state, "btnRenameVol", false);
+    ctx.ui.setStatus(StatusPanel::Drive, "");
+}
+
+std::string chooseDrive(Volumes& volumes) {
+    for (const auto& id : volumes.drives())
+        if (volumes.driveType(id) == DriveType::Removable) return id;
+    return {};
+}
+
+bool offerFormat(Context& ctx, const ThumbDriveState& d) {
+    const std::string text = "This thumbdrive has the " + kQ + d.fileSystem + kQ + " File System." +
+                             kBr + "It should have the " + kQ + "FAT" + kQ + " or " + kQ + "FAT32" +
+                             kQ + " File System." + kBlank + "This thumbdrive is also EMPTY." +
+                             kBlank +
+                             "Do you want to FORMAT this thumbdrive to the correct File System?";
+    return ctx.ui.message(Message{"WRONG FILE SYSTEM", text, Buttons::YesNo}) == Answer::Yes;
+}
+
+bool offerTavrinFolder(Context& ctx) {
+    const std::string text =
+        "This Thumbdrive is properly formatted but does not have a TAVRIN folder." + kBlank +
+        "Do you want to create a TAVRIN folder on this thumbdrive?";
+    return ctx.ui.message(Message{"NO TAVRIN FOLDER", text, Buttons::YesNo}) == Answer::Yes;
+}
+
+// The transfer buttons of a drive that passed the file-system and folder checks.
+bool enableForNamedDrive(Context& ctx) {
+    MainState& s = ctx.state;
+    if (s.drive.volumeName.empty()) {
+        ctx.ui.inform(kProjectName, "The attached thumbdrive needs a Volume Name.");
+        setTransferButtons(s, false, false, false);
+        return false;
+    }
+    // Updating and restoring need the drive's mirror folder; adding creates it.
+    bool mirror = false;
+    if (s.drive.serialHex != "0") {
+        const auto folder = ctx.paths.libraryRoot /
+                            pathFromUtf8(mirrorFolderName(s.drive.volumeName, s.drive.serialHex));
+        mirror = FolderExists(ctx, folder);
+    }
+    setTransferButtons(s, mirror, mirror, true);
+    return true;
+}
+
+void countContent(Context& ctx, Routine& r) {
+    MainState& s = ctx.state;
+    const auto ignore = ctx.volumes->systemEntries(s.drive.letter);
+    std::size_t presets = 0, recordings = 0;
+    r.step("Count the files of " + pathToUtf8(s.drive.tavrinFolder()), [&] {
+        presets = listPlainFiles(s.drive.tavrinFolder(), "*.?pg", ignore).size();
+        recordings = listPlainFiles(s.drive.tavrinFolder(), "*.?mr", ignore).size();
+    });
+    AnalyzeContent(ctx, s.drive.tavrinFolder());
+    enable(s, "btnSort", s.drive.present && presets + recordings > 0);
+    ctx.ui.setStatus(StatusPanel::Progress, std::to_string(presets + recordings) + " items");
+}
+
+}  // namespace
+
+AutoBackupHook& autoBackupHook() {
+    static AutoBackupHook hook;
+    return hook;
+}
+
+std::string mirrorFolderName(const std::string& volumeName, const std::string& serialHex) {
+    return volumeName + " - " + serialHex;
+}
+
+std::string driveStatusText(const ThumbDriveState& d) {
+    return "Volume Name: " + d.volumeName + "  Serial Number:" + d.serialHex +
+           "  DevID:" + d.deviceId;
+}
+
+void ScanForUSBs(Context& ctx, const DeviceNotice* notice) {
+    routine(ctx, "frmMain.ScanForUSBs", [&](Routine& r) {
+        std::string drive, deviceId;
+        if (ctx.volumes) {
+            r.step("Look for a removable drive", [&] {
+                drive = notice ? notice->drive : chooseDrive(*ctx.volumes);
+                if (!drive.empty())
+                    deviceId = notice ? notice->deviceId : ctx.volumes->deviceId(drive);
+            });
+        }
+        if (drive.empty()) return forgetDrive(ctx);
+        Volumes& volumes = *ctx.volumes;
+        ctx.ui.setStatus(StatusPanel::Progress, "ANALYZING THUMBDRIVE, JUST A MOMENT...");
+
+        ThumbDriveState d;
+        d.letter = drive;
+        d.deviceId = deviceId;
+        VolumeInfo info;
+        const bool read = r.step("Read the volume information of drive " + drive, [&] {
+            d.driveType = static_cast<int>(volumes.driveType(drive));
+            d.root = volumes.rootPath(drive);
+            info = volumes.volumeInformation(drive);
+        });
+        if (!read) return forgetDrive(ctx);
+        d.serialHex = hexUpper(info.serialNumber);
+        d.volumeName = info.volumeName;
+        d.fileSystem = info.fileSystemName;
+        d.tavrinPresent = FolderExists(ctx, d.tavrinFolder());
+        ctx.state.drive = d;
+        showNoDrive(ctx);
+        enable(ctx.state, "btnRenameVol", false);
+
+        const auto type = static_cast<DriveType>(d.driveType);
+        if (type != DriveType::Removable && type != DriveType::CdRom) {
+            ctx.ui.inform(kProjectName, "The storage device attached is not USB or CD-ROM");
+            return ctx.ui.setStatus(StatusPanel::Progress, "");
+        }
+        ctx.state.drive.fileSystemOk = d.fileSystem == "FAT" || d.fileSystem == "FAT32";
+        if (!ctx.state.drive.fileSystemOk) {
+            ctx.ui.setStatus(StatusPanel::Progress, "");
+            if (DriveEmpty(ctx, d.root, volumes.systemEntries(drive))) {
+                if (offerFormat(ctx, d)) mnuFileFormat_Click(ctx);
+            } else {
+                ctx.ui.inform(kProjectName,
+                              "This Thumbdrive is NOT formatted correctly for use in a Tavrin "
+                              "Organ.");
+            }
+            return;
+        }
+        if (!d.tavrinPresent) {
+            if (!offerTavrinFolder(ctx)) return ctx.ui.setStatus(StatusPanel::Progress, "");
+            const bool made = r.step("Create " + pathToUtf8(d.tavrinFolder()),
+                                     [&] { std::filesystem::create_directory(d.tavrinFolder()); });
+            if (!made) return ctx.ui.setStatus(StatusPanel::Progress, "");
+            ctx.state.drive.tavrinPresent = true;
+        }
+
+        enable(ctx.state, "btnRenameVol", true);
+        ctx.state.drive.present = enableForNamedDrive(ctx);
+        ctx.ui.setStatus(StatusPanel::Drive, driveStatusText(ctx.state.drive));
+        ctx.state.usbPattern = ctx.state.pattern;
+        if (ctx.settings.autoBackup && ctx.state.drive.present && autoBackupHook().run)
+            autoBackupHook().run(ctx);
+        countContent(ctx, r);
+        if (ctx.state.refreshLists) ctx.state.refreshLists();
+    });
+}
+
+void SysInfo1_DeviceArrival(Context& ctx, const DeviceNotice& notice) {
+    routine(ctx, "frmMain.SysInfo1_DeviceArrival", [&](Routine& r) {
+        const ThumbDriveState& current = ctx.state.drive;
+        const bool inUse = current.present && current.letter != notice.drive && ctx.volumes &&
+                           ctx.volumes->driveType(current.letter) == DriveType::Removable;
+        if (inUse) {
+            r.detail("Drive " + notice.drive + " ignored while " + current.letter + " is in use");
+            return;
+        }
+        ScanForUSBs(ctx, &notice);
+    });
+}
+
+void SysInfo1_DeviceRemoveComplete(Context& ctx, const DeviceNotice& notice) {
+    routine(ctx, "frmMain.SysInfo1_DeviceRemoveComplete", [&](Routine& r) {
+        r.detail("DRIVE INFO:");
+        ScanForUSBs(ctx);
+        if (!ctx.state.drive.present) ctx.state.usbPattern = kNoDrivePattern;
+    });
+}
+
+}  // namespace tvk

@@ -1,0 +1,73 @@
+#include "drive/VolumeHelpers.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include "app/Text.h"
+
+namespace tvk {
+
+namespace fs = std::filesystem;
+
+DriveType blockDeviceType(const fs::path& sysfsDevice, unsigned major) {
+    constexpr unsigned kScsiCdMajor = 11;
+    if (major == kScsiCdMajor) return DriveType::CdRom;
+    std::error_code ec;
+    const fs::path disk =
+        fs::exists(sysfsDevice / "partition", ec) ? sysfsDevice.parent_path() : sysfsDevice;
+    std::ifstream in(disk / "removable");
+    std::string flag;
+    in >> flag;
+    const bool onUsb = pathToUtf8(sysfsDevice).find("/usb") != std::string::npos;
+    return flag == "1" || onUsb ? DriveType::Removable : DriveType::Fixed;
+}
+
+std::optional<std::uint32_t> serialFromUuid(const std::string& uuid) {
+    std::string hex;
+    for (const char c : uuid)
+        if (c != '-') hex += c;
+    if (hex.empty() || hex.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+        return std::nullopt;
+    // NTFS gives 16 digits of which Windows shows the low half; others begin with it.
+    if (hex.size() == 16) hex = hex.substr(8);
+    if (hex.size() > 8) hex = hex.substr(0, 8);
+    return static_cast<std::uint32_t>(std::stoul(hex, nullptr, 16));
+}
+
+std::vector<std::string> imageSystemEntries(const VolumeProbe& probe) {
+    if (startsWith(probe.fileSystemName, "ext")) return {"lost+found"};
+    if (probe.fatBits == 0 || probe.label.empty()) return {};
+    const auto noBlanks = [](std::string s) {
+        s.erase(std::remove(s.begin(), s.end(), ' '), s.end());
+        return s;
+    };
+    std::string padded = probe.label;
+    padded.resize(std::max<std::size_t>(padded.size(), 11), ' ');
+    const std::string base = noBlanks(padded.substr(0, 8)), ext = noBlanks(padded.substr(8, 3));
+    std::vector<std::string> names = {ext.empty() ? base : base + "." + ext};
+    if (noBlanks(probe.label) != names[0]) names.push_back(noBlanks(probe.label));
+    return names;
+}
+
+std::string fatBitsForSize(std::uintmax_t bytes) {
+    constexpr std::uintmax_t kMiB = 1024 * 1024;
+    if (bytes >= 64 * kMiB) return "32";
+    if (bytes >= 16 * kMiB) return "16";
+    return {};
+}
+
+std::vector<DeviceNotice> diffSnapshots(const DriveSnapshot& before, const DriveSnapshot& after) {
+    std::vector<DeviceNotice> notices;
+    const auto contains = [](const DriveSnapshot& s, const auto& item) {
+        return std::find(s.begin(), s.end(), item) != s.end();
+    };
+    for (const auto& item : before)
+        if (!contains(after, item))
+            notices.push_back({DeviceNotice::Kind::Removal, item.first, item.second});
+    for (const auto& item : after)
+        if (!contains(before, item))
+            notices.push_back({DeviceNotice::Kind::Arrival, item.first, item.second});
+    return notices;
+}
+
+}  // namespace tvk

@@ -1,0 +1,242 @@
+#include "drive/VolumeProbe.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "app/RuntimeError.h"
+#include "app/Text.h"
+
+namespace tvk {
+
+namespace {
+
+// Code page 437, bytes 0x80..0xFF: the OEM code page FAT names are written in.
+constexpr std::array<char16_t, 128> kCp437High = {
+    0x00C7, 0x00FC, 0x00E9, 0x00E2, 0x00E4, 0x00E0, 0x00E5, 0x00E7, 0x00EA, 0x00EB, 0x00E8, 0x00EF,
+    0x00EE, 0x00EC, 0x00C4, 0x00C5, 0x00C9, 0x00E6, 0x00C6, 0x00F4, 0x00F6, 0x00F2, 0x00FB, 0x00F9,
+    0x00FF, 0x00D6, 0x00DC, 0x00A2, 0x00A3, 0x00A5, 0x20A7, 0x0192, 0x00E1, 0x00ED, 0x00F3, 0x00FA,
+    0x00F1, 0x00D1, 0x00AA, 0x00BA, 0x00BF, 0x2310, 0x00AC, 0x00BD, 0x00BC, 0x00A1, 0x00AB, 0x00BB,
+    0x2591, 0x2592, 0x2593, 0x2502, 0x2524, 0x2561, 0x2562, 0x2556, 0x2555, 0x2563, 0x2551, 0x2557,
+    0x255D, 0x255C, 0x255B, 0x2510, 0x2514, 0x2534, 0x252C, 0x251C, 0x2500, 0x253C, 0x255E, 0x255F,
+    0x255A, 0x2554, 0x2569, 0x2566, 0x2560, 0x2550, 0x256C, 0x2567, 0x2568, 0x2564, 0x2565, 0x2559,
+    0x2558, 0x2552, 0x2553, 0x256B, 0x256A, 0x2518, 0x250C, 0x2588, 0x2584, 0x258C, 0x2590, 0x2580,
+    0x03B1, 0x00DF, 0x0393, 0x03C0, 0x03A3, 0x03C3, 0x00B5, 0x03C4, 0x03A6, 0x0398, 0x03A9, 0x03B4,
+    0x221E, 0x03C6, 0x03B5, 0x2229, 0x2261, 0x00B1, 0x2265, 0x2264, 0x2320, 0x2321, 0x00F7, 0x2248,
+    0x00B0, 0x2219, 0x00B7, 0x221A, 0x207F, 0x00B2, 0x25A0, 0x00A0};
+
+void appendUtf8(std::string& out, char32_t c) {
+    if (c < 0x80) {
+        out += static_cast<char>(c);
+    } else if (c < 0x800) {
+        out += static_cast<char>(0xC0 | (c >> 6));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+        out += static_cast<char>(0xE0 | (c >> 12));
+        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (c & 0x3F));
+    }
+}
+
+std::uint32_t le(std::string_view b, std::size_t at, int bytes) {
+    std::uint32_t v = 0;
+    for (int i = bytes - 1; i >= 0; --i) {
+        const std::size_t p = at + static_cast<std::size_t>(i);
+        v = (v << 8) | (p < b.size() ? static_cast<unsigned char>(b[p]) : 0u);
+    }
+    return v;
+}
+
+std::string trimRight(std::string text) {
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\0')) text.pop_back();
+    return text;
+}
+
+bool isPowerOfTwo(std::uint32_t v) {
+    return v != 0 && (v & (v - 1)) == 0;
+}
+
+struct FatLayout {
+    std::uint32_t bytesPerSector = 0, sectorsPerCluster = 0, reserved = 0, fats = 0;
+    std::uint32_t rootEntries = 0, totalSectors = 0, fatSectors = 0, rootCluster = 0;
+    std::uint32_t rootDirSectors = 0, firstDataSector = 0, clusters = 0;
+    std::uint64_t sectorOffset(std::uint64_t sector) const { return sector * bytesPerSector; }
+    std::uint64_t clusterOffset(std::uint32_t cluster) const {
+        return sectorOffset(firstDataSector + std::uint64_t(cluster - 2) * sectorsPerCluster);
+    }
+};
+
+// The BIOS parameter block, checked the way a careful driver checks it.
+std::optional<FatLayout> readFatLayout(std::string_view bs) {
+    if (bs.size() < 512) return std::nullopt;
+    const auto jump = static_cast<unsigned char>(bs[0]);
+    if (jump != 0xEB && jump != 0xE9) return std::nullopt;
+    FatLayout l;
+    l.bytesPerSector = le(bs, 11, 2);
+    l.sectorsPerCluster = le(bs, 13, 1);
+    l.reserved = le(bs, 14, 2);
+    l.fats = le(bs, 16, 1);
+    l.rootEntries = le(bs, 17, 2);
+    l.totalSectors = le(bs, 19, 2) ? le(bs, 19, 2) : le(bs, 32, 4);
+    l.fatSectors = le(bs, 22, 2) ? le(bs, 22, 2) : le(bs, 36, 4);
+    l.rootCluster = le(bs, 44, 4);
+    if (l.bytesPerSector < 512 || l.bytesPerSector > 4096 || !isPowerOfTwo(l.bytesPerSector) ||
+        !isPowerOfTwo(l.sectorsPerCluster) || l.reserved == 0 || l.fats == 0 || l.fatSectors == 0 ||
+        l.totalSectors == 0)
+        return std::nullopt;
+    l.rootDirSectors = (l.rootEntries * 32 + l.bytesPerSector - 1) / l.bytesPerSector;
+    const std::uint64_t meta = l.reserved + std::uint64_t(l.fats) * l.fatSectors + l.rootDirSectors;
+    if (meta >= l.totalSectors) return std::nullopt;
+    l.firstDataSector = static_cast<std::uint32_t>(meta);
+    l.clusters = (l.totalSectors - l.firstDataSector) / l.sectorsPerCluster;
+    return l;
+}
+
+// The label entry of a directory block: attribute 0x08 without the long-name marks.
+std::optional<std::string> findFatLabel(std::string_view dir, bool& ended) {
+    for (std::size_t at = 0; at + 32 <= dir.size(); at += 32) {
+        const auto first = static_cast<unsigned char>(dir[at]);
+        if (first == 0x00) {
+            ended = true;
+            return std::nullopt;
+        }
+        const auto attr = static_cast<unsigned char>(dir[at + 11]);
+        if (first == 0xE5 || (attr & 0x0F) == 0x0F || (attr & 0x18) != 0x08) continue;
+        std::string name(dir.substr(at, 11));
+        if (first == 0x05) name[0] = static_cast<char>(0xE5);
+        return decodeOemName(trimRight(name));
+    }
+    return std::nullopt;
+}
+
+std::string fatRootLabel(const SectorReader& read, const FatLayout& l, int bits) {
+    bool ended = false;
+    if (bits != 32) {
+        const auto at = l.sectorOffset(l.reserved + std::uint64_t(l.fats) * l.fatSectors);
+        return findFatLabel(read(at, l.rootEntries * 32u), ended).value_or("");
+    }
+    // FAT32 keeps the root in a cluster chain; follow it a bounded number of links.
+    const std::uint64_t clusterBytes = std::uint64_t(l.bytesPerSector) * l.sectorsPerCluster;
+    std::uint32_t cluster = l.rootCluster;
+    for (int hops = 0; hops < 64 && cluster >= 2 && cluster < l.clusters + 2 && !ended; ++hops) {
+        if (auto label = findFatLabel(read(l.clusterOffset(cluster), clusterBytes), ended))
+            return *label;
+        const std::string entry = read(l.sectorOffset(l.reserved) + std::uint64_t(cluster) * 4, 4);
+        cluster = le(entry, 0, 4) & 0x0FFFFFFF;
+    }
+    return {};
+}
+
+std::optional<VolumeProbe> probeFat(const SectorReader& read, std::string_view bs) {
+    const auto layout = readFatLayout(bs);
+    if (!layout) return std::nullopt;
+    VolumeProbe p;
+    // The cluster count decides the FAT type; the text in the boot sector is only a hint.
+    p.fatBits = layout->clusters < 4085 ? 12 : layout->clusters < 65525 ? 16 : 32;
+    p.fileSystemName = p.fatBits == 32 ? "FAT32" : "FAT";
+    if (p.fatBits == 32 && layout->rootCluster < 2) return std::nullopt;
+    const std::size_t sigAt = p.fatBits == 32 ? 66 : 38;
+    const auto sig = static_cast<unsigned char>(bs[sigAt]);
+    if (sig == 0x29 || sig == 0x28) {
+        p.serialNumber = le(bs, sigAt + 1, 4);
+        p.hasSerial = true;
+    }
+    p.totalBytes = std::uint64_t(layout->totalSectors) * layout->bytesPerSector;
+    p.label = fatRootLabel(read, *layout, p.fatBits);
+    return p;
+}
+
+std::optional<VolumeProbe> probeExfat(const SectorReader& read, std::string_view bs) {
+    const std::uint32_t sectorShift = le(bs, 108, 1), clusterShift = le(bs, 109, 1);
+    if (sectorShift < 9 || sectorShift > 12 || clusterShift > 25) return std::nullopt;
+    VolumeProbe p;
+    p.fileSystemName = "exFAT";
+    p.serialNumber = le(bs, 100, 4);
+    p.hasSerial = true;
+    p.totalBytes = (std::uint64_t(le(bs, 72, 4)) | std::uint64_t(le(bs, 76, 4)) << 32)
+                   << sectorShift;
+    const std::uint64_t heap = std::uint64_t(le(bs, 88, 4)) << sectorShift;
+    const std::uint32_t root = le(bs, 96, 4);
+    const std::uint64_t clusterBytes = std::uint64_t(1) << (sectorShift + clusterShift);
+    if (root < 2) return p;
+    const std::string dir = read(heap + (root - 2) * clusterBytes, clusterBytes);
+    for (std::size_t at = 0; at + 32 <= dir.size(); at += 32) {
+        const auto type = static_cast<unsigned char>(dir[at]);
+        if (type == 0x00) break;
+        if (type != 0x83) continue;
+        const std::uint32_t count = std::min<std::uint32_t>(le(dir, at + 1, 1), 11);
+        for (std::uint32_t i = 0; i < count; ++i)
+            appendUtf8(p.label, static_cast<char16_t>(le(dir, at + 2 + i * 2, 2)));
+        break;
+    }
+    return p;
+}
+
+std::optional<VolumeProbe> probeExt(const SectorReader& read) {
+    const std::string sb = read(1024, 1024);
+    if (sb.size() < 1024 || le(sb, 56, 2) != 0xEF53) return std::nullopt;
+    VolumeProbe p;
+    const bool extents = le(sb, 96, 4) & 0x40, journal = le(sb, 92, 4) & 0x4;
+    p.fileSystemName = extents ? "ext4" : journal ? "ext3" : "ext2";
+    p.serialNumber = le(sb, 104, 4);
+    p.hasSerial = true;
+    p.label = trimRight(sb.substr(120, 16));
+    p.totalBytes = std::uint64_t(le(sb, 4, 4)) << (10 + le(sb, 24, 4));
+    return p;
+}
+
+}  // namespace
+
+std::string decodeOemName(std::string_view bytes) {
+    std::string out;
+    for (const char ch : bytes) {
+        const auto b = static_cast<unsigned char>(ch);
+        if (b < 0x80)
+            out += ch;
+        else
+            appendUtf8(out, kCp437High[b - 0x80]);
+    }
+    return out;
+}
+
+std::optional<VolumeProbe> probeVolume(const SectorReader& read) {
+    const std::string bs = read(0, 512);
+    if (bs.size() == 512 && bs.compare(3, 8, "EXFAT   ") == 0) return probeExfat(read, bs);
+    if (bs.size() == 512 && bs.compare(3, 8, "NTFS    ") == 0) {
+        VolumeProbe p;
+        p.fileSystemName = "NTFS";
+        p.serialNumber = le(bs, 72, 4);
+        p.hasSerial = true;
+        return p;
+    }
+    if (auto fat = probeFat(read, bs)) return fat;
+    return probeExt(read);
+}
+
+std::optional<VolumeProbe> probeVolume(const std::filesystem::path& deviceOrImage) {
+    std::ifstream in(deviceOrImage, std::ios::binary);
+    if (!in) throw RuntimeError::fromErrno(errno, pathToUtf8(deviceOrImage));
+    return probeVolume([&](std::uint64_t offset, std::size_t size) {
+        std::string buffer(size, '\0');
+        in.clear();
+        in.seekg(static_cast<std::streamoff>(offset));
+        in.read(buffer.data(), static_cast<std::streamsize>(size));
+        if (in.bad()) throw RuntimeError(kErrDeviceIO, pathToUtf8(deviceOrImage));
+        buffer.resize(static_cast<std::size_t>(in.gcount()));
+        return buffer;
+    });
+}
+
+std::string windowsFileSystemName(std::string_view type, std::string_view version) {
+    const std::string t = toLowerAscii(type);
+    if (t == "vfat" || t == "msdos" || t == "fat")
+        return toUpperAscii(version) == "FAT32" ? "FAT32" : "FAT";
+    if (t == "exfat") return "exFAT";
+    if (t == "ntfs" || t == "ntfs3" || t == "ntfs-3g") return "NTFS";
+    if (t == "iso9660") return "CDFS";
+    if (t == "udf") return "UDF";
+    return std::string(type);
+}
+
+}  // namespace tvk
