@@ -1,0 +1,209 @@
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include "app/IniFile.h"
+#include "app/RuntimeError.h"
+#include "app/Text.h"
+#include "support/TestContext.h"
+
+namespace tvk {
+namespace {
+
+using test::TestContext;
+
+Settings remembered() {
+    Settings s;
+    s.organSeries = 2;
+    s.allTextSelect = true;
+    s.numberSeq = 1;
+    s.remWinPosit = true;
+    s.formatChange = true;
+    s.compFilesFC = 0xFF;
+    s.windows = {WindowRect{10, 20, 800, 600}, WindowRect{}, WindowRect{5, 6, 7, 8},
+                 WindowRect{-1, -2, 300, 200}};
+    return s;
+}
+
+std::string golden() {
+    return test::readFile(std::string(TVK_SOURCE_DIR) + "/tests/data/TVK-remembered.ini");
+}
+
+TEST(IniFile, WritesTheGoldenFileByteForByteAndReadsItBack) {
+    TestContext t;
+    Context ctx = t.ctx();
+    t.settings = remembered();
+    WriteIniFile(ctx, false);
+    EXPECT_EQ(test::readFile(t.paths.settingsFile()), golden());
+
+    t.settings = Settings{};
+    ReadIniFile(ctx);
+    EXPECT_EQ(t.settings, remembered());
+    EXPECT_TRUE(t.ui.shown.empty());
+}
+
+TEST(IniFile, DefaultsKeepFormatChangeAndWriteNoWindowSection) {
+    TestContext t;
+    Context ctx = t.ctx();
+    t.settings = remembered();
+    WriteIniFile(ctx, true);
+    const std::string text = test::readFile(t.paths.settingsFile());
+    EXPECT_NE(text.find("Organ Series=0\r\n"), std::string::npos);
+    EXPECT_NE(text.find("Format Change=True\r\n"), std::string::npos);
+    EXPECT_NE(text.find("Comp Folder BC=&HFFFFE0\r\n"), std::string::npos);
+    EXPECT_EQ(text.find("[WINDOW POSITIONS]"), std::string::npos);
+    EXPECT_TRUE(endsWith(text, "USB Files BC=&HE0FFFF\r\nEOF\r\n"));
+}
+
+struct ReadCase {
+    const char* name;
+    const char* text;
+    std::vector<std::pair<const char*, Answer>> boxes;
+    std::function<void(const Settings&)> check;
+};
+
+class IniFileRead : public ::testing::TestWithParam<ReadCase> {};
+
+TEST_P(IniFileRead, ReadsOrRepairs) {
+    const ReadCase& c = GetParam();
+    TestContext t;
+    Context ctx = t.ctx();
+    t.settings.formatChange = true;
+    t.settings.windows[1] = WindowRect{1, 2, 3, 4};
+    test::writeFile(t.paths.settingsFile(), c.text);
+    for (const auto& [title, answer] : c.boxes) t.ui.expect(title, answer);
+    ReadIniFile(ctx);
+    EXPECT_TRUE(t.ui.done());
+    c.check(t.settings);
+}
+
+const ReadCase kReadCases[] = {
+    {"NoEofIsFine",
+     "Organ Series=3\r\nAuto Backup=True\r\n",
+     {},
+     [](const Settings& s) {
+         EXPECT_EQ(s.organSeries, 3);
+         EXPECT_TRUE(s.autoBackup);
+     }},
+    {"CommaSplitsALineInTwo",
+     "Organ Series=1,Auto Backup=True\r\nEOF\r\n",
+     {},
+     [](const Settings& s) {
+         EXPECT_EQ(s.organSeries, 1);
+         EXPECT_TRUE(s.autoBackup);
+     }},
+    {"TopKeyInsideColourSection",
+     "[LIST COLORS]\r\nOrgan Series=2\r\nComp Files BC=&HFFFFFF\r\nUSB Files BC=&H0\r\n",
+     {},
+     [](const Settings& s) {
+         EXPECT_EQ(s.organSeries, 2);
+         EXPECT_EQ(s.compFilesBC, 16777215u);
+         EXPECT_EQ(s.usbFilesBC, 0u);
+     }},
+    {"NothingAfterEofIsRead",
+     "Organ Series=1\r\nEOF\r\nOrgan Series=3\r\nTheme=1\r\n",
+     {},
+     [](const Settings& s) { EXPECT_EQ(s.organSeries, 1); }},
+    {"MissingWindowSectionKeepsTheTable",
+     "Rem Win Posit=True\r\n",
+     {},
+     [](const Settings& s) {
+         EXPECT_EQ(s.windows[1], (WindowRect{1, 2, 3, 4}));
+     }},
+    {"IntegerPartOfAFraction",
+     "Organ Series=2.9\r\nNumber Seq=1.5\r\n",
+     {},
+     [](const Settings& s) {
+         EXPECT_EQ(s.organSeries, 2);
+         EXPECT_EQ(s.numberSeq, 1);
+     }},
+    {"UnknownKeyInColoursIsMalformed",
+     "Organ Series=3\r\n[LIST COLORS]\r\nTheme=1\r\n",
+     {{"CONGIFURATION ERROR", Answer::Ok}},
+     [](const Settings& s) {
+         EXPECT_EQ(s.organSeries, 0) << "values read before the bad entry are lost";
+         EXPECT_TRUE(s.formatChange) << "survives the reset";
+     }},
+    {"UnknownKeyOutsideSectionsIsMalformed",
+     "Colour=Blue\r\n",
+     {{"CONGIFURATION ERROR", Answer::Ok}},
+     [](const Settings& s) { EXPECT_EQ(s.compFolderBC, 0xFFFFE0u); }},
+    {"WindowKeyInColourSectionIsMalformed",
+     "[LIST COLORS]\r\nWin Left=5\r\n",
+     {{"CONGIFURATION ERROR", Answer::Ok}},
+     [](const Settings&) {}},
+    {"UnconvertibleBoolean",
+     "Organ Series=3\r\nAuto Backup=maybe\r\n",
+     {{"ERROR READING FILE", Answer::Ok}},
+     [](const Settings& s) { EXPECT_EQ(s.organSeries, 0); }},
+    {"UnconvertibleColour",
+     "[LIST COLORS]\r\nComp Files FC=&Hxyz\r\n",
+     {{"ERROR READING FILE", Answer::Ok}},
+     [](const Settings&) {}},
+    {"OverflowGoesToTheCentralHandler",
+     "Number Seq=300\r\nOrgan Series=2\r\n",
+     {{"TVK: RUNTIME ERROR", Answer::Ignore}},
+     [](const Settings& s) {
+         EXPECT_EQ(s.numberSeq, 0);
+         EXPECT_EQ(s.organSeries, 2) << "Ignore goes on with the next entry";
+     }},
+    {"WinIndexOutsideTheTable",
+     "[WINDOW POSITIONS]\r\nWin Index=5\r\nWin Left=7\r\nWin Index=1\r\nWin Left=9\r\n",
+     {{"TVK: RUNTIME ERROR", Answer::Ignore}},
+     [](const Settings& s) { EXPECT_EQ(s.windows[0].left, 9); }},
+    {"BinaryJunkWithoutKeysIsSkipped",
+     "\x01\x02\xff\xfe junk\r\n\r\n\x7f",
+     {},
+     [](const Settings&) {}},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, IniFileRead, ::testing::ValuesIn(kReadCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(IniFile, RepairWritesAFreshDefaultFile) {
+    TestContext t;
+    Context ctx = t.ctx();
+    test::writeFile(t.paths.settingsFile(), "[LIST COLORS]\r\nTheme=1\r\n");
+    t.ui.expect("CONGIFURATION ERROR");
+    ReadIniFile(ctx);
+    const std::string text = test::readFile(t.paths.settingsFile());
+    EXPECT_TRUE(startsWith(text, "Tavrin File Manager - Initialization File\r\n"));
+    EXPECT_EQ(text.find("Theme"), std::string::npos);
+    ASSERT_EQ(t.ui.shown.size(), 1u);
+    EXPECT_EQ(t.ui.shown[0].text,
+              "The \"TVK.ini\" file is constructed incorrectly.\rA new one will be created with "
+              "default settings");
+}
+
+TEST(IniFile, UnwritableLibraryRootReportsAndKeepsTheOldFile) {
+    TestContext t;
+    Context ctx = t.ctx();
+    test::writeFile(t.paths.settingsFile(), "Organ Series=2\r\n");
+    std::filesystem::permissions(t.paths.libraryRoot, std::filesystem::perms::owner_read |
+                                                          std::filesystem::perms::owner_exec);
+    if (getuid() == 0) {
+        // root writes anyway; make the file name a folder instead so the write must fail.
+        std::filesystem::permissions(t.paths.libraryRoot, std::filesystem::perms::owner_all);
+        std::filesystem::create_directory(t.paths.libraryRoot / "TVK.ini.new");
+    }
+    t.ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
+    WriteIniFile(ctx, false);
+    EXPECT_EQ(test::readFile(t.paths.settingsFile()), "Organ Series=2\r\n");
+}
+
+TEST(IniFile, FieldInputAndConversions) {
+    EXPECT_EQ(splitIniFields("a=1,b=2\r\n\"x,y\"\r\n  c = 3 \r\n"),
+              (std::vector<std::string>{"a=1", "b=2", "x,y", "c = 3"}));
+    EXPECT_EQ(toLong("&HFFFFE0"), 16777184);
+    EXPECT_EQ(toLong("&HFFFFFFFF"), -1);
+    EXPECT_EQ(toInteger("-1.5"), -2);
+    EXPECT_TRUE(toBoolean("true"));
+    EXPECT_TRUE(toBoolean("-1"));
+    EXPECT_FALSE(toBoolean("0"));
+    EXPECT_THROW(toBoolean(""), RuntimeError);
+    EXPECT_THROW(toLong("&H123456789"), RuntimeError);
+    EXPECT_THROW(toInteger("inf"), RuntimeError);
+}
+
+}  // namespace
+}  // namespace tvk
