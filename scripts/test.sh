@@ -1,26 +1,24 @@
 #!/usr/bin/env bash
-# Builds everything and runs every test; then cross-compiles the core, the Windows
-# services and tvk.exe with MinGW. Prints the CTest summary; fails when anything fails.
+# Builds everything, cross-compiles the core, the Windows services and tvk.exe with
+# MinGW, then runs every test. Ends with the CTest summary; fails when anything fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/deps.sh
-
+scripts/build.sh
 build=${TVK_BUILD_DIR:-build}
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build "$build"
-
 status=0
-(cd "$build" && ctest --output-on-failure -j "$(nproc)") || status=$?
 
 echo "== Windows cross-compile (MinGW) =="
 cmake -S . -B "$build-mingw" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
     -DTVK_BUILD_GUI=OFF -DTVK_BUILD_TESTS=OFF -DTVK_BUILD_BENCH=OFF >/dev/null
 if cmake --build "$build-mingw" --target tvk; then
-    echo "MinGW build of tvkcore and tvk.exe: OK"
+    echo "MinGW build of the core and tvk.exe: OK"
 else
     echo "MinGW build FAILED"
     status=1
 fi
+
+echo "== Tests =="
+(cd "$build" && ctest --output-on-failure -j "$(nproc)") || status=1
 exit $status

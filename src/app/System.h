@@ -50,8 +50,9 @@ class System {
     // Opens a file with the desktop's default program (the shell's "open" verb).
     virtual bool openWithDefault(const std::filesystem::path& file) = 0;
 
-    virtual std::filesystem::path currentDirectory() = 0;
-    virtual void setCurrentDirectory(const std::filesystem::path& dir) = 0;
+    // The process's working folder (std::filesystem on every platform).
+    virtual std::filesystem::path currentDirectory();
+    virtual void setCurrentDirectory(const std::filesystem::path& dir);
     // The user's Documents folder, where the library lives.
     virtual std::filesystem::path documentsFolder() = 0;
 };

@@ -137,18 +137,6 @@ class LinuxSystem : public System {
         return spawnDetached({"xdg-open", file.string()});
     }
 
-    std::filesystem::path currentDirectory() override {
-        std::error_code ec;
-        auto p = std::filesystem::current_path(ec);
-        return ec ? std::filesystem::path(".") : p;
-    }
-
-    void setCurrentDirectory(const std::filesystem::path& dir) override {
-        std::error_code ec;
-        std::filesystem::current_path(dir, ec);
-        throwIfError(ec, pathToUtf8(dir));
-    }
-
     std::filesystem::path documentsFolder() override {
         const char* homeEnv = std::getenv("HOME");
         const std::filesystem::path home = pathFromUtf8(homeEnv ? homeEnv : "/");

@@ -166,18 +166,6 @@ public:
 
     bool openWithDefault(const std::filesystem::path& file) override { return startDetached(file); }
 
-    std::filesystem::path currentDirectory() override {
-        std::error_code ec;
-        auto p = std::filesystem::current_path(ec);
-        return ec ? std::filesystem::path(".") : p;
-    }
-
-    void setCurrentDirectory(const std::filesystem::path& dir) override {
-        std::error_code ec;
-        std::filesystem::current_path(dir, ec);
-        throwIfError(ec, pathToUtf8(dir));
-    }
-
     std::filesystem::path documentsFolder() override {
         const auto drive = environment("SystemDrive").value_or("C:");
         const auto home = environment("HOMEPATH").value_or("\\");
