@@ -37,6 +37,8 @@ class ImageDrives {
     // Empty when done, else what went wrong.
     std::string unmount(ImageDrive& drive);
     std::string mount(ImageDrive& drive);
+    // Mounted and still in the mount table (someone may have unmounted it meanwhile).
+    static bool isMounted(const ImageDrive& drive);
 
     // Removes mounts left behind by runs that are no longer alive.
     static void cleanStale(const std::filesystem::path& runtimeFolder);

@@ -174,6 +174,10 @@ std::string ImageDrives::unmount(ImageDrive& d) {
     return {};
 }
 
+bool ImageDrives::isMounted(const ImageDrive& drive) {
+    return drive.mounted && isMountPoint(drive.mountDir);
+}
+
 void ImageDrives::cleanStale(const fs::path& folder) {
     std::error_code ec;
     for (const auto& entry : fs::directory_iterator(folder, ec)) {

@@ -169,7 +169,7 @@ class LinuxVolumes : public Volumes {
 
     DriveType driveType(const std::string& drive) override {
         if (auto* d = images_.find(drive))
-            return d->mounted ? DriveType::Removable : DriveType::NoRootDir;
+            return ImageDrives::isMounted(*d) ? DriveType::Removable : DriveType::NoRootDir;
         if (!system_) return DriveType::NoRootDir;
         const auto v = systemVolume(drive);
         return v ? v->type : DriveType::NoRootDir;
@@ -183,7 +183,7 @@ class LinuxVolumes : public Volumes {
 
     VolumeInfo volumeInformation(const std::string& drive) override {
         if (auto* d = images_.find(drive)) {
-            if (!d->mounted) throw RuntimeError(kErrDiskNotReady, drive);
+            if (!ImageDrives::isMounted(*d)) throw RuntimeError(kErrDiskNotReady, drive);
             const auto probe = probeVolume(d->image);
             if (!probe) throw RuntimeError(kErrDeviceIO, pathToUtf8(d->image));
             d->probe = *probe;

@@ -1,0 +1,228 @@
+// Reading volume identities from real images, and the Linux descriptions of volumes
+// (mountinfo, udev data, sysfs) from this machine and from crafted samples.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "app/RuntimeError.h"
+#include "app/Text.h"
+#include "drive/MountInfo.h"
+#include "drive/VolumeHelpers.h"
+#include "drive/VolumeProbe.h"
+#include "support/DriveImages.h"
+#include "support/TempTree.h"
+
+namespace tvk {
+namespace {
+
+using test::ImageSpec;
+using test::TempTree;
+
+void patchByte(const std::filesystem::path& image, std::streamoff at, char value) {
+    std::fstream f(image, std::ios::binary | std::ios::in | std::ios::out);
+    f.seekp(at);
+    f.put(value);
+}
+
+// The offset of the root directory's label entry: 11 name bytes then attribute 0x08.
+std::streamoff labelEntryOffset(const std::filesystem::path& image, const std::string& label) {
+    std::string padded = label;
+    padded.resize(11, ' ');
+    const std::string bytes = test::readFile(image);
+    for (auto at = bytes.find(padded + '\x08'); at != std::string::npos;
+         at = bytes.find(padded + '\x08', at + 1))
+        if (at % 32 == 0) return static_cast<std::streamoff>(at);
+    return -1;
+}
+
+TEST(DriveProbe, FatImagesGiveTypeLabelAndSerialAsWindowsReadsThem) {
+    struct Case {
+        ImageSpec spec;
+        std::string fileSystem;
+        int bits;
+        std::string serialHex;  // as the mirror folder's name carries it
+    };
+    const Case cases[] = {
+        {{"fat12", 2, "SMALL", "1234ABCD"}, "FAT", 12, "1234ABCD"},
+        {{"fat16", 32, "MY STICK", "0000ABCD"}, "FAT", 16, "ABCD"},
+        {{"fat32", 40, "DEMO STICK", "00012345"}, "FAT32", 32, "12345"},
+        {{"fat32", 40, "A B C", "0A1B2C3D"}, "FAT32", 32, "A1B2C3D"},
+        {{"fat16", 20, "", "DEADBEEF"}, "FAT", 16, "DEADBEEF"},
+    };
+    TempTree tree;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.spec.kind + " " + c.spec.label);
+        const auto probe = probeVolume(test::makeImage(tree, "v.img", c.spec));
+        ASSERT_TRUE(probe);
+        EXPECT_EQ(probe->fileSystemName, c.fileSystem);
+        EXPECT_EQ(probe->fatBits, c.bits);
+        // No label entry means no label, though the boot sector says "NO NAME".
+        EXPECT_EQ(probe->label, c.spec.label);
+        EXPECT_EQ(hexUpper(probe->serialNumber), c.serialHex);
+        std::filesystem::remove(tree.path("v.img"));
+    }
+}
+
+TEST(DriveProbe, ClusterCountDecidesTheFatTypeAndOemBytesAreDecoded) {
+    TempTree tree;
+    const auto image = test::makeImage(tree, "v.img", {"fat16", 32, "ABC", "11112222"});
+    // The informational type text says FAT12; the cluster count still says FAT16.
+    for (int i = 0; i < 8; ++i) patchByte(image, 54 + i, "FAT12   "[i]);
+    const auto at = labelEntryOffset(image, "ABC");
+    ASSERT_GE(at, 0);
+    patchByte(image, at, '\x8E');  // code page 437: A with diaeresis
+    const auto probe = probeVolume(image);
+    ASSERT_TRUE(probe);
+    EXPECT_EQ(probe->fileSystemName, "FAT");
+    EXPECT_EQ(probe->label,
+              "\xC3\x84"
+              "BC");
+}
+
+TEST(DriveProbe, DamagedBootSectorsAreNotTakenForFat) {
+    struct Case {
+        std::streamoff at;
+        char value;
+    };
+    const Case cases[] = {{0, '\0'}, {11, '\x01'}, {12, '\0'}, {13, '\x03'}, {16, '\0'}};
+    TempTree tree;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.at);
+        const auto image = test::makeImage(tree, "v.img", {"fat16", 20, "X", ""});
+        patchByte(image, c.at, c.value);
+        EXPECT_FALSE(probeVolume(image));
+        std::filesystem::remove(image);
+    }
+    EXPECT_THROW(probeVolume(tree.path("missing.img")), RuntimeError);
+}
+
+TEST(DriveProbe, OtherFileSystemsAreNamedAsWindowsNamesThem) {
+    TempTree tree;
+    const auto exfat = probeVolume(test::makeImage(tree, "x.img", {"exfat", 8, "EXSTICK", ""}));
+    ASSERT_TRUE(exfat);
+    EXPECT_EQ(exfat->fileSystemName, "exFAT");
+    EXPECT_EQ(exfat->label, "EXSTICK");
+    EXPECT_EQ(exfat->fatBits, 0);
+    const auto ext = probeVolume(test::makeImage(tree, "e.img", {"ext4", 8, "LINUX", ""}));
+    ASSERT_TRUE(ext);
+    EXPECT_EQ(ext->fileSystemName, "ext4");
+
+    struct Name {
+        const char *type, *version, *windows;
+    };
+    for (const Name n : {Name{"vfat", "FAT32", "FAT32"}, Name{"vfat", "FAT16", "FAT"},
+                         Name{"vfat", "FAT12", "FAT"}, Name{"exfat", "", "exFAT"},
+                         Name{"ntfs3", "", "NTFS"}, Name{"ext4", "1.0", "ext4"}})
+        EXPECT_EQ(windowsFileSystemName(n.type, n.version), n.windows) << n.type << n.version;
+}
+
+TEST(DriveMountInfo, ParsesEscapesOptionalFieldsAndRejectsJunk) {
+    const auto e = parseMountInfoLine(
+        "36 35 8:17 / /media/user/MY\\040STICK\\011x\\134y rw,nosuid shared:1 master:2 - vfat "
+        "/dev/sdb1 rw,fmask=0022");
+    ASSERT_TRUE(e);
+    EXPECT_EQ(e->major, 8u);
+    EXPECT_EQ(e->minor, 17u);
+    EXPECT_EQ(e->mountPoint, "/media/user/MY STICK\tx\\y");
+    EXPECT_EQ(e->fsType, "vfat");
+    EXPECT_EQ(e->source, "/dev/sdb1");
+    EXPECT_FALSE(e->readOnly());
+
+    const auto ro = parseMountInfoLine("40 1 11:0 / /media/cd ro,relatime - iso9660 /dev/sr0 ro");
+    ASSERT_TRUE(ro);
+    EXPECT_TRUE(ro->readOnly());
+    for (const char* junk : {"", "36 35 8:17 / /mnt rw", "36 35 x:y / /mnt rw - vfat /dev/sdb1 rw",
+                             "36 35 8:17 / /mnt rw shared:1 -"})
+        EXPECT_FALSE(parseMountInfoLine(junk)) << junk;
+}
+
+TEST(DriveMountInfo, ThisMachinesMountTableParsesCompletely) {
+    const std::string text = test::readFile("/proc/self/mountinfo");
+    std::size_t lines = 0;
+    for (char c : text) lines += c == '\n';
+    const auto entries = parseMountInfo(text);
+    EXPECT_EQ(entries.size(), lines);
+    EXPECT_TRUE(std::any_of(entries.begin(), entries.end(),
+                            [](const MountEntry& m) { return m.mountPoint == "/"; }));
+}
+
+TEST(DriveMountInfo, UdevDataGivesLabelAndSerialLikeTheBootSector) {
+    const auto props = parseUdevData(
+        "S:disk/by-label/"
+        "MY\\x20STICK\nE:ID_FS_LABEL_ENC=MY\\x20STICK\\x2fA\nE:ID_FS_UUID=0A1B-2C3D\n"
+        "E:ID_FS_TYPE=vfat\nE:ID_FS_VERSION=FAT32\nG:systemd\n");
+    EXPECT_EQ(decodeUdevEscapes(props.at("ID_FS_LABEL_ENC")), "MY STICK/A");
+    EXPECT_EQ(props.at("ID_FS_VERSION"), "FAT32");
+    EXPECT_EQ(props.count("disk/by-label/MY\\x20STICK"), 0u);
+
+    // The same stick must get the same mirror folder on both systems.
+    TempTree tree;
+    const auto probe = probeVolume(test::makeImage(tree, "v.img", {"fat32", 40, "S", "0A1B2C3D"}));
+    ASSERT_TRUE(probe);
+    EXPECT_EQ(serialFromUuid(props.at("ID_FS_UUID")), probe->serialNumber);
+
+    struct Uuid {
+        const char* text;
+        std::optional<std::uint32_t> serial;
+    };
+    for (const Uuid u : {Uuid{"1234-ABCD", 0x1234ABCD}, Uuid{"0000-00ff", 0xFF},
+                         Uuid{"0123456789ABCDEF", 0x89ABCDEF}, Uuid{"", std::nullopt},
+                         Uuid{"12G4-ABCD", std::nullopt}})
+        EXPECT_EQ(serialFromUuid(u.text), u.serial) << u.text;
+}
+
+TEST(DriveSysfs, PartitionsAndWholeDisksAreJudgedByTheirDisk) {
+    TempTree sys;
+    const auto device = [&](const std::string& path, const char* removable, bool partition) {
+        const auto dir = sys.mkdir(path);
+        const auto disk = partition ? dir.parent_path() : dir;
+        test::writeFile(disk / "removable", std::string(removable) + "\n");
+        if (partition) test::writeFile(dir / "partition", "1\n");
+        return dir;
+    };
+    struct Case {
+        std::filesystem::path dir;
+        unsigned major;
+        DriveType type;
+    };
+    const Case cases[] = {
+        {device("devices/pci0/usb2/2-1/host6/block/sdb/sdb1", "0", true), 8, DriveType::Removable},
+        {device("devices/pci0/ata1/host0/block/sda/sda2", "0", true), 8, DriveType::Fixed},
+        {device("devices/pci0/ata2/host1/block/sdc", "1", false), 8, DriveType::Removable},
+        {device("devices/virtual/block/loop0", "0", false), 7, DriveType::Fixed},
+        {device("devices/pci0/ata3/block/sr0", "1", false), 11, DriveType::CdRom},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(blockDeviceType(c.dir, c.major), c.type) << pathToUtf8(c.dir);
+}
+
+TEST(DriveHelpers, NamesNumbersAndNotices) {
+    EXPECT_EQ(driveNumber("E"), 4);
+    EXPECT_EQ(driveNumber("a"), 0);
+    EXPECT_EQ(normaliseDriveText("E"), "E:\\");
+    EXPECT_EQ(normaliseDriveText("E:"), "E:\\");
+    EXPECT_EQ(normaliseDriveText("E:\\"), "E:\\");
+    EXPECT_EQ(GetDrive(1u << 4), "E");
+    EXPECT_EQ(GetDrive((1u << 5) | (1u << 4)), "E");
+    EXPECT_EQ(GetDrive(1u << 25), "Z");
+    EXPECT_EQ(GetDrive(0), "");
+
+    VolumeProbe fat;
+    fat.fatBits = 16;
+    fat.label = "DEMO STICK";
+    EXPECT_EQ(imageSystemEntries(fat).front(), "DEMOSTI.CK");
+    fat.label = "MY STICK";
+    EXPECT_EQ(imageSystemEntries(fat).front(), "MYSTICK");
+
+    const auto notices = diffSnapshots({{"image1", "a.img"}, {"sdb1", "/dev/sdb1"}},
+                                       {{"sdb1", "/dev/sdb1"}, {"sdc1", "/dev/sdc1"}});
+    ASSERT_EQ(notices.size(), 2u);
+    EXPECT_EQ(notices[0].kind, DeviceNotice::Kind::Removal);
+    EXPECT_EQ(notices[0].drive, "image1");
+    EXPECT_EQ(notices[1].kind, DeviceNotice::Kind::Arrival);
+    EXPECT_EQ(notices[1].deviceId, "/dev/sdc1");
+}
+
+}  // namespace
+}  // namespace tvk

@@ -1,0 +1,49 @@
+#pragma once
+// Real volumes for the thumbdrive tests: FAT images made by mkfs.fat (exFAT and ext4 by
+// their own mkfs), attached through the program's own image drives, and a context whose
+// drives are only those images.
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "app/Session.h"
+#include "drive/Volumes.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TempTree.h"
+
+namespace tvk::test {
+
+struct ImageSpec {
+    std::string kind = "fat16";  // "fat12", "fat16", "fat32", "exfat", "ext4"
+    int sizeMiB = 32;
+    std::string label;      // none when empty
+    std::string serialHex;  // mkfs.fat -i; random when empty
+};
+
+// Makes a sparse image file; fails the test when the mkfs tool fails.
+std::filesystem::path makeImage(const TempTree& tree, const std::string& name,
+                                const ImageSpec& spec);
+
+// Why FUSE images cannot be mounted here, or empty when they can.
+std::string fuseUnavailableReason();
+
+// A session whose only drives are the given images (never the machine's own sticks).
+struct ImageDriveContext {
+    explicit ImageDriveContext(const std::vector<std::filesystem::path>& images);
+    TempTree library;
+    ScriptedInteraction ui;
+    std::unique_ptr<Session> session;
+    Context ctx();
+    // The mount point of the first image drive.
+    std::filesystem::path root();
+};
+
+}  // namespace tvk::test
+
+// Skips a test that needs FUSE mounts, naming what is missing.
+#define TVK_REQUIRE_FUSE()                                                          \
+    do {                                                                            \
+        const std::string why = ::tvk::test::fuseUnavailableReason();               \
+        if (!why.empty()) GTEST_SKIP() << "FUSE image drives unavailable: " << why; \
+    } while (0)
