@@ -1,0 +1,321 @@
+// The thumbdrive scan: on real FAT, exFAT and ext4 images mounted through FUSE, and on
+// Windows-style drive letters for the cases this machine cannot have.
+
+#include <gtest/gtest.h>
+
+#include "app/Session.h"
+#include "app/Text.h"
+#include "drive/ScanForUSBs.h"
+#include "drive/VolumeProbe.h"
+#include "support/DriveImages.h"
+#include "support/FakeSystem.h"
+#include "support/FakeVolumes.h"
+
+namespace tvk {
+namespace {
+
+namespace fs = std::filesystem;
+using test::ImageDriveContext;
+using test::ImageSpec;
+using test::TempTree;
+
+// Puts a TAVRIN folder holding the given files into a FAT image before it is mounted.
+void fillTavrin(const TempTree& tree, const fs::path& image,
+                const std::vector<std::string>& files) {
+    std::string out;
+    const std::string img = "'" + pathToUtf8(image) + "'";
+    ASSERT_EQ(test::runCommand("MTOOLS_SKIP_CHECK=1 mmd -i " + img + " ::TAVRIN", &out), 0) << out;
+    for (const auto& name : files) {
+        const auto file = tree.write("src/" + name, "x");
+        ASSERT_EQ(test::runCommand("MTOOLS_SKIP_CHECK=1 mcopy -i " + img + " '" + pathToUtf8(file) +
+                                       "' ::TAVRIN/" + name,
+                                   &out),
+                  0)
+            << out;
+    }
+}
+
+std::vector<bool> transferButtons(const MainState& s) {
+    std::vector<bool> on;
+    for (int i = 0; i < kTransferButtons; ++i)
+        on.push_back(s.isEnabled(controlName("btnUSB_Docs", i)));
+    return on;
+}
+
+TEST(DriveScan, AcceptedFatSticksEnableTheirCommands) {
+    TVK_REQUIRE_FUSE();
+    struct Case {
+        ImageSpec spec;
+        std::vector<std::string> files;
+        bool mirrorFolder;
+        std::string fileSystem, serialHex, items;
+        std::vector<bool> buttons;
+    };
+    const Case cases[] = {
+        {{"fat32", 40, "ORGAN STICK", "00C0FFEE"},
+         {"SUPSET01.LPG", "ESONG001.EMR", "A.MID"},
+         false,
+         "FAT32",
+         "C0FFEE",
+         "2 items",
+         {false, false, true, true, true}},
+        {{"fat16", 32, "SMALL", "12345678"},
+         {},
+         true,
+         "FAT",
+         "12345678",
+         "0 items",
+         {true, true, true, true, true}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.spec.kind);
+        TempTree tree;
+        const auto image = test::makeImage(tree, "stick.img", c.spec);
+        fillTavrin(tree, image, c.files);
+        ImageDriveContext drives({image});
+        if (c.mirrorFolder)
+            fs::create_directories(drives.session->paths.libraryRoot /
+                                   mirrorFolderName(c.spec.label, c.serialHex));
+        Context ctx = drives.ctx();
+        ctx.state.pattern = "*.*";
+        ScanForUSBs(ctx);
+
+        EXPECT_TRUE(drives.ui.shown.empty());
+        const ThumbDriveState& d = ctx.state.drive;
+        EXPECT_TRUE(d.present);
+        EXPECT_EQ(d.fileSystem, c.fileSystem);
+        EXPECT_EQ(d.root, drives.root());
+        EXPECT_EQ(drives.ui.status[StatusPanel::Drive], "Volume Name: " + c.spec.label +
+                                                            "  Serial Number:" + c.serialHex +
+                                                            "  DevID:" + pathToUtf8(image));
+        EXPECT_EQ(drives.ui.status[StatusPanel::Progress], c.items);
+        EXPECT_EQ(ctx.state.usbPattern, "*.*");
+        EXPECT_EQ(transferButtons(ctx.state), c.buttons);
+        EXPECT_TRUE(ctx.state.isEnabled("btnRenameVol"));
+        EXPECT_EQ(ctx.state.isEnabled("btnSort"), !c.files.empty());
+    }
+}
+
+TEST(DriveScan, MissingTavrinFolderIsCreatedOnlyWhenTheUserSaysYes) {
+    TVK_REQUIRE_FUSE();
+    for (const Answer answer : {Answer::Yes, Answer::No}) {
+        TempTree tree;
+        const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "NO FOLDER", ""});
+        ImageDriveContext drives({image});
+        Context ctx = drives.ctx();
+        drives.ui.expect("NO TAVRIN FOLDER", answer);
+        ScanForUSBs(ctx);
+        ASSERT_EQ(drives.ui.shown.size(), 1u);
+        EXPECT_EQ(drives.ui.shown[0].text,
+                  "This Thumbdrive is properly formatted but does not have a TAVRIN folder.\r\r"
+                  "Do you want to create a TAVRIN folder on this thumbdrive?");
+        const bool yes = answer == Answer::Yes;
+        EXPECT_EQ(fs::is_directory(drives.root() / "TAVRIN"), yes);
+        EXPECT_EQ(ctx.state.drive.present, yes);
+        EXPECT_EQ(ctx.state.usbPattern, yes ? ctx.state.pattern : std::string("*.nothing"));
+    }
+}
+
+TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOff) {
+    TVK_REQUIRE_FUSE();
+    TempTree tree;
+    const auto image = test::makeImage(tree, "stick.img", {"fat32", 40, "", ""});
+    fillTavrin(tree, image, {});
+    ImageDriveContext drives({image});
+    Context ctx = drives.ctx();
+    ctx.settings.autoBackup = true;
+    int backups = 0;
+    autoBackupHook().run = [&](Context&) { ++backups; };
+    drives.ui.expect("TVK");
+    ScanForUSBs(ctx);
+    autoBackupHook().run = nullptr;
+    EXPECT_EQ(drives.ui.shown.at(0).text, "The attached thumbdrive needs a Volume Name.");
+    EXPECT_EQ(transferButtons(ctx.state), std::vector<bool>(5, false));
+    EXPECT_TRUE(ctx.state.isEnabled("btnRenameVol"));
+    EXPECT_EQ(backups, 0);
+}
+
+TEST(DriveScan, AutoBackupRunsOnceForAnAcceptedStick) {
+    TVK_REQUIRE_FUSE();
+    TempTree tree;
+    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "BACKUP", ""});
+    fillTavrin(tree, image, {});
+    ImageDriveContext drives({image});
+    Context ctx = drives.ctx();
+    std::vector<bool> runs;
+    autoBackupHook().run = [&](Context& c) { runs.push_back(c.state.drive.present); };
+    for (const bool setting : {false, true}) {
+        ctx.settings.autoBackup = setting;
+        ScanForUSBs(ctx);
+    }
+    autoBackupHook().run = nullptr;
+    EXPECT_EQ(runs, std::vector<bool>{true});
+}
+
+TEST(DriveScan, OtherFileSystemsAreOfferedAFormatOnlyWhenEmpty) {
+    TVK_REQUIRE_FUSE();
+    struct Case {
+        ImageSpec spec;
+        std::string fileSystem;
+        bool holdsFiles;
+    };
+    const Case cases[] = {{{"exfat", 20, "EXSTICK", ""}, "exFAT", false},
+                          {{"ext4", 8, "LINUX", ""}, "ext4", false},
+                          {{"exfat", 20, "EXSTICK", ""}, "exFAT", true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.spec.kind + (c.holdsFiles ? " with files" : " empty"));
+        TempTree tree;
+        const auto image = test::makeImage(tree, "stick.img", c.spec);
+        ImageDriveContext drives({image});
+        Context ctx = drives.ctx();
+        if (c.holdsFiles) test::writeFile(drives.root() / "song.mp3", "x");
+        drives.ui.expect(c.holdsFiles ? "TVK" : "WRONG FILE SYSTEM",
+                         c.holdsFiles ? Answer::Ok : Answer::No);
+        ScanForUSBs(ctx);
+        ASSERT_EQ(drives.ui.shown.size(), 1u);
+        EXPECT_EQ(drives.ui.shown[0].text,
+                  c.holdsFiles
+                      ? "This Thumbdrive is NOT formatted correctly for use in a Tavrin Organ."
+                      : "This thumbdrive has the \"" + c.fileSystem +
+                            "\" File System.\rIt should have the \"FAT\" or \"FAT32\" File "
+                            "System.\r\rThis thumbdrive is also EMPTY.\r\rDo you want to FORMAT "
+                            "this thumbdrive to the correct File System?");
+        EXPECT_EQ(ctx.state.usbPattern, "*.nothing");
+        EXPECT_FALSE(ctx.state.drive.present);
+        EXPECT_EQ(probeVolume(image)->fileSystemName, c.fileSystem);
+    }
+}
+
+TEST(DriveScan, EmptyExfatStickFormattedOnYesComesBackAsFatWithTavrin) {
+    TVK_REQUIRE_FUSE();
+    TempTree tree;
+    const auto image = test::makeImage(tree, "stick.img", {"exfat", 20, "EXSTICK", ""});
+    ImageDriveContext drives({image});
+    Context ctx = drives.ctx();
+    drives.ui.expect("WRONG FILE SYSTEM", Answer::Yes).expect("FORMAT THUMBDRIVE", Answer::Yes);
+    ScanForUSBs(ctx);
+    EXPECT_TRUE(drives.ui.done());
+    EXPECT_EQ(drives.ui.shown.size(), 2u);  // no format window on Linux, so no "FAT" hint
+    EXPECT_TRUE(ctx.state.drive.present);
+    EXPECT_EQ(ctx.state.drive.fileSystem, "FAT");
+    EXPECT_EQ(ctx.state.drive.volumeName, "EXSTICK");
+    EXPECT_TRUE(fs::is_directory(drives.root() / "TAVRIN"));
+}
+
+TEST(DriveScan, StickPulledOutBeforeTheScanLeavesNoDrive) {
+    TVK_REQUIRE_FUSE();
+    TempTree tree;
+    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "GONE", ""});
+    fillTavrin(tree, image, {"SUPSET01.LPG"});
+    ImageDriveContext drives({image});
+    Context ctx = drives.ctx();
+    ScanForUSBs(ctx);
+    ASSERT_TRUE(ctx.state.drive.present);
+    ASSERT_EQ(test::runCommand("fusermount -u '" + pathToUtf8(drives.root()) + "'"), 0);
+    const DeviceNotice removal{DeviceNotice::Kind::Removal, ctx.state.drive.letter, ""};
+    SysInfo1_DeviceRemoveComplete(ctx, removal);
+    EXPECT_TRUE(drives.ui.shown.empty());
+    EXPECT_FALSE(ctx.state.drive.present);
+    EXPECT_EQ(ctx.state.drive.letter, "");
+    EXPECT_EQ(ctx.state.usbPattern, "*.nothing");
+    EXPECT_FALSE(ctx.state.isEnabled(controlName("btnUSB_Docs", 2)));
+}
+
+// Drive letters, as only Windows has them.
+struct LetterScan : ::testing::Test {
+    TempTree tree;
+    test::ScriptedInteraction ui;
+    Session session{std::make_unique<test::FakeSystem>(), ui};
+    std::shared_ptr<test::FakeVolumes> volumes = std::make_shared<test::FakeVolumes>();
+    Context ctx() {
+        session.volumes = volumes;
+        session.paths.libraryRoot = tree.mkdir("lib");
+        return session.context();
+    }
+    void add(const std::string& letter, DriveType type, const std::string& fileSystem,
+             const std::string& label = "STICK") {
+        auto& l = volumes->letters[letter];
+        l.type = type;
+        l.info = {label, 0x1234, fileSystem, 255, 6};
+        l.root = tree.mkdir(letter);
+        tree.mkdir(letter + "/TAVRIN");
+    }
+};
+
+TEST_F(LetterScan, LowestRemovableLetterWinsAndNoticesChooseTheirOwn) {
+    add("C", DriveType::Fixed, "NTFS");
+    add("E", DriveType::Removable, "FAT32", "EEE");
+    add("F", DriveType::Removable, "FAT", "FFF");
+    add("G", DriveType::CdRom, "FAT");
+    Context c = ctx();
+    ScanForUSBs(c);
+    EXPECT_EQ(c.state.drive.letter, "E");
+    EXPECT_EQ(ui.status[StatusPanel::Drive], "Volume Name: EEE  Serial Number:1234  DevID:16");
+
+    // A second stick is ignored while the first is attached, and taken once it is gone.
+    SysInfo1_DeviceArrival(c, {DeviceNotice::Kind::Arrival, "F", "32"});
+    EXPECT_EQ(c.state.drive.letter, "E");
+    volumes->letters.erase("E");
+    SysInfo1_DeviceRemoveComplete(c, {DeviceNotice::Kind::Removal, "E", "16"});
+    EXPECT_EQ(c.state.drive.letter, "F");
+    // A CD-ROM is a drive kind the organ accepts, but only a notice brings it in.
+    volumes->letters.erase("F");
+    SysInfo1_DeviceArrival(c, {DeviceNotice::Kind::Arrival, "G", "64"});
+    EXPECT_EQ(c.state.drive.letter, "G");
+    EXPECT_TRUE(c.state.drive.present);
+    EXPECT_TRUE(ui.shown.empty());
+}
+
+TEST_F(LetterScan, RefusalsByKindAndExactFileSystemName) {
+    struct Case {
+        DriveType type;
+        std::string fileSystem, title, text;
+    };
+    const Case cases[] = {
+        {DriveType::Fixed, "FAT32", "TVK", "The storage device attached is not USB or CD-ROM"},
+        {DriveType::Remote, "FAT", "TVK", "The storage device attached is not USB or CD-ROM"},
+        {DriveType::Removable, "fat32", "TVK",
+         "This Thumbdrive is NOT formatted correctly for use in a Tavrin Organ."},
+        {DriveType::Removable, "FAT12", "TVK",
+         "This Thumbdrive is NOT formatted correctly for use in a Tavrin Organ."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fileSystem);
+        add("H", c.type, c.fileSystem);
+        ui.shown.clear();
+        ui.expect(c.title);
+        Context cx = ctx();
+        const DeviceNotice notice{DeviceNotice::Kind::Arrival, "H", "128"};
+        ScanForUSBs(cx, &notice);
+        ASSERT_EQ(ui.shown.size(), 1u);
+        EXPECT_EQ(ui.shown[0].text, c.text);
+        EXPECT_EQ(cx.state.usbPattern, "*.nothing");
+        EXPECT_FALSE(cx.state.drive.present);
+    }
+}
+
+TEST_F(LetterScan, UnreadableVolumeGoesToTheErrorHandler) {
+    add("E", DriveType::Removable, "FAT32");
+    volumes->letters["E"].unreadable = true;
+    Context c = ctx();
+    ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
+    ScanForUSBs(c);
+    EXPECT_TRUE(ui.done());
+    EXPECT_NE(ui.shown.at(0).text.find("Routine: "), std::string::npos);
+    EXPECT_NE(ui.shown.at(0).text.find("ScanForUSBs"), std::string::npos);
+    EXPECT_EQ(c.state.drive.letter, "");
+    EXPECT_EQ(c.state.usbPattern, "*.nothing");
+}
+
+TEST_F(LetterScan, NoDriveAtAllClearsTheList) {
+    Context c = ctx();
+    c.state.usbPattern = "*.*";
+    c.state.enabled[controlName("btnUSB_Docs", 0)] = true;
+    ScanForUSBs(c);
+    EXPECT_EQ(c.state.usbPattern, "*.nothing");
+    EXPECT_FALSE(c.state.isEnabled(controlName("btnUSB_Docs", 0)));
+    EXPECT_TRUE(ui.shown.empty());
+}
+
+}  // namespace
+}  // namespace tvk
