@@ -165,6 +165,21 @@ TEST(Startup, UnwritableTraceFolderIsReportedAndTheProgramRuns) {
     EXPECT_FALSE(t.trace.debug);
 }
 
+TEST(Startup, LibraryRootThatCannotBeMadeIsReported) {
+    TestContext t;
+    install(*t.fake, t.paths.programFolder, programVersionText());
+    t.fake->documents = t.tree.write("blocked", "a file where Documents should be") / "Documents";
+    t.ui.lenient = true;  // every later step fails the same way; Ignore is not the default
+    t.ui.expect("TVK: RUNTIME ERROR", Answer::Abort);
+    t.fake->commandLineText = "+DEBUG";  // traced: Abort ends start-up's routine, not the program
+    Context ctx = t.ctx();
+    EXPECT_EQ(FormLoad(ctx), StartupOutcome::Running);
+    ASSERT_FALSE(t.ui.shown.empty());
+    EXPECT_NE(t.ui.shown[0].text.find("Encountered Err#76\rPath not found"), std::string::npos);
+    EXPECT_NE(t.ui.shown[0].text.find("Task: MkDir "), std::string::npos);
+    EXPECT_EQ(t.tree.read("blocked"), "a file where Documents should be");
+}
+
 TEST(Startup, FormatNoticeOnceAndTheFirstActivationScans) {
     TestContext t;
     Context ctx = t.ctx();
