@@ -4,12 +4,19 @@
 
 #include "app/Session.h"
 #include "library/Selection.h"
+#include "organfiles/MakeFiles.h"
 #include "support/FakeSystem.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TempTree.h"
 
 namespace tvk {
 namespace {
+
+// Any file the panel reads as a preset or song must be one, or its reader complains.
+std::string presetBytes() {
+    RandomSource random(1);
+    return buildTestFile(Series::A, FileKind::Preset, "Waltz", random);
+}
 
 struct SelectionFixture : ::testing::Test {
     test::TempTree tree;
@@ -35,9 +42,9 @@ TEST_F(SelectionFixture, EnablingFollowsTheSelectedCount) {
     };
     const std::vector<Case> cases = {
         {{}, {false, false, false, false, false}},
-        {{"a.SPG"}, {true, true, true, true, false}},
-        {{"a.SPG", "b.SPG"}, {false, false, true, true, true}},
-        {{"a.SPG", "b.SPG", "c.SPG"}, {false, false, true, true, false}},
+        {{"a.mid"}, {true, true, true, true, false}},
+        {{"a.mid", "b.mid"}, {false, false, true, true, true}},
+        {{"a.mid", "b.mid", "c.mid"}, {false, false, true, true, false}},
     };
     for (const auto& c : cases) {
         for (const auto& n : c.names) tree.write("lib/" + n, "x");
@@ -61,7 +68,7 @@ TEST_F(SelectionFixture, RenamePresetsOnlyForPresets) {
         {"x.spg", true},  {"x.APG", true},  {"x.EPG", true},  {"SUPSET001.LPG", true},
         {"x.SMR", false}, {"x.mp3", false}, {"x.jpg", false}, {"x.pg", false}};
     for (const auto& [name, on] : cases) {
-        tree.write("lib/" + name, "x");
+        tree.write("lib/" + name, presetBytes());
         fileListClick(ctx, click({name}));
         EXPECT_EQ(ctx.state.isEnabled("mnuEditRename"), on) << name;
     }

@@ -6,7 +6,7 @@
 #include "app/Routine.h"
 #include "app/Text.h"
 #include "library/Copyfiles.h"
-#include "library/FileInfoStandIn.h"
+#include "organfiles/DisplayFileInfo.h"
 
 namespace tvk {
 

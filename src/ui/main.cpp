@@ -1,9 +1,89 @@
+// tavrin-file-manager: the program's window.
+//
+//   tavrin-file-manager [+DEBUG|-DEBUG|+ERROR|-ERROR] [--drive-image FILE]...
+//                       [--screenshot FILE]
+
 #include <QApplication>
-#include <QLabel>
+#include <QMessageBox>
+#include <QTimer>
+#include <iostream>
+
+#include "app/Routine.h"
+#include "app/Version.h"
+#include "ui/MainWindow.h"
+#include "ui/QtText.h"
+
+namespace {
+
+// With --screenshot nothing may wait for a click: boxes are printed and get their default.
+class PrintedBoxes : public tvk::SilentInteraction {
+  public:
+    tvk::Answer message(const tvk::Message& box) override {
+        std::cerr << "[" << box.title << "] " << tvk::toDisplayLines(box.text) << "\n";
+        return box.defaultAnswer();
+    }
+};
+
+struct Arguments {
+    std::string switches;  // everything the start-up reads, as typed
+    std::vector<std::filesystem::path> images;
+    QString screenshot;
+};
+
+Arguments readArguments(const QStringList& args) {
+    Arguments a;
+    for (int i = 1; i < args.size(); ++i) {
+        if (args[i] == "--drive-image" && i + 1 < args.size()) {
+            a.images.push_back(tvk::ui::upath(args[++i]));
+        } else if (args[i] == "--screenshot" && i + 1 < args.size()) {
+            a.screenshot = args[++i];
+        } else {
+            a.switches += (a.switches.empty() ? "" : " ") + tvk::ui::us(args[i]);
+        }
+    }
+    return a;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    QLabel label("Tavrin File Manager");
-    label.show();
-    return app.exec();
+    QApplication::setApplicationName("Tavrin File Manager");
+    const Arguments args = readArguments(QApplication::arguments());
+
+    tvk::ui::MainWindowOptions options;
+    options.system = tvk::makePlatformSystem(args.switches);
+    try {
+        tvk::VolumesOptions vo;
+        vo.images = args.images;
+        options.volumes = tvk::makePlatformVolumes(vo);
+    } catch (const std::exception& e) {
+        std::cerr << "tavrin-file-manager: " << e.what() << "\n";
+        return 1;
+    }
+
+    try {
+        tvk::ui::MainWindow window(std::move(options));
+        PrintedBoxes printed;
+        if (!args.screenshot.isEmpty()) window.setBoxesTo(&printed);
+        if (!window.load()) return 1;
+        window.show();
+        if (!args.screenshot.isEmpty()) {
+            // Let the first activation and the scan finish, then save the window.
+            QTimer::singleShot(1500, &window, [&] {
+                window.grab().save(args.screenshot);
+                window.close();
+            });
+        }
+        return app.exec();
+    } catch (const tvk::ProgramEnd& end) {
+        return end.exitCode;
+    } catch (const tvk::UntrappedError& e) {
+        // The trap is off ("-ERROR"): the runtime's own message, then the end.
+        QMessageBox::critical(nullptr, tvk::kProjectName,
+                              QString("Run-time error '%1':\n\n%2")
+                                  .arg(e.error.number())
+                                  .arg(tvk::ui::qs(e.error.description())));
+        return 1;
+    }
 }

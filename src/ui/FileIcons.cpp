@@ -1,0 +1,83 @@
+#include "ui/FileIcons.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPixmap>
+#include <QStyle>
+#include <map>
+
+namespace tvk::ui {
+
+namespace {
+
+// A page with a folded corner, a coloured band and a one- or two-letter mark.
+QIcon drawPage(QColor band, const QString& mark) {
+    QIcon icon;
+    for (int size : {16, 32}) {
+        QPixmap pm(size, size);
+        pm.fill(Qt::transparent);
+        QPainter p(&pm);
+        p.setRenderHint(QPainter::Antialiasing);
+        const qreal s = size / 16.0;
+        QPolygonF page({QPointF(2.5 * s, 0.5 * s), QPointF(10.5 * s, 0.5 * s),
+                        QPointF(13.5 * s, 3.5 * s), QPointF(13.5 * s, 15.5 * s),
+                        QPointF(2.5 * s, 15.5 * s)});
+        p.setPen(QPen(QColor(90, 90, 90), s));
+        p.setBrush(Qt::white);
+        p.drawPolygon(page);
+        p.setPen(Qt::NoPen);
+        p.setBrush(band);
+        p.drawRect(QRectF(3 * s, 7 * s, 10 * s, 8 * s));
+        p.setPen(Qt::white);
+        QFont f = QApplication::font();
+        f.setBold(true);
+        f.setPixelSize(static_cast<int>((mark.size() > 1 ? 5.5 : 7.5) * s));
+        p.setFont(f);
+        p.drawText(QRectF(3 * s, 7 * s, 10 * s, 8 * s), Qt::AlignCenter, mark);
+        icon.addPixmap(pm);
+    }
+    return icon;
+}
+
+}  // namespace
+
+FileKindIcon iconKindFor(const QString& fileName) {
+    const QString ext = fileName.right(3).toUpper();
+    if (ext.endsWith("PG")) return FileKindIcon::Preset;
+    if (ext.endsWith("MR")) return FileKindIcon::Recording;
+    if (ext == "MP3") return FileKindIcon::Mp3;
+    if (ext == "MID") return FileKindIcon::Midi;
+    if (ext == "PDF") return FileKindIcon::Pdf;
+    return FileKindIcon::Other;
+}
+
+QIcon fileIcon(FileKindIcon kind) {
+    static std::map<FileKindIcon, QIcon> cache;
+    auto it = cache.find(kind);
+    if (it != cache.end()) return it->second;
+    QIcon icon;
+    switch (kind) {
+        case FileKindIcon::Preset:
+            icon = drawPage(QColor(40, 90, 170), "P");
+            break;
+        case FileKindIcon::Recording:
+            icon = drawPage(QColor(180, 50, 50), QString(QChar(0x266A)));
+            break;
+        case FileKindIcon::Mp3:
+            icon = drawPage(QColor(30, 130, 70), "3");
+            break;
+        case FileKindIcon::Midi:
+            icon = drawPage(QColor(120, 60, 150), "MI");
+            break;
+        case FileKindIcon::Pdf:
+            icon = drawPage(QColor(200, 40, 40), "PDF");
+            break;
+        case FileKindIcon::Other:
+            icon = QApplication::style()->standardIcon(QStyle::SP_FileIcon);
+            break;
+    }
+    cache.emplace(kind, icon);
+    return icon;
+}
+
+}  // namespace tvk::ui

@@ -1,0 +1,152 @@
+#pragma once
+// frmMain: the program's one main window. It owns the run's Session, draws the lists
+// and panels from MainState, turns widget events into the core's commands and is the
+// Interaction those commands talk to.
+
+#include <QMainWindow>
+#include <QUrl>
+#include <array>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "app/Interaction.h"
+#include "app/Session.h"
+#include "app/System.h"
+#include "drive/Volumes.h"
+#include "ui/FileListWidget.h"
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+class QAction;
+class QMenu;
+
+namespace tvk::ui {
+
+class FolderTree;
+class MediaPlayer;
+class UpdateCheck;
+class DeviceWatch;
+
+struct MainWindowOptions {
+    std::unique_ptr<System> system;    // the platform's when empty
+    std::shared_ptr<Volumes> volumes;  // the drive services; none in some tests
+    QUrl updateUrl;                    // the version page; UpdateCheck::configuredUrl() when empty
+};
+
+class MainWindow : public QMainWindow, public Interaction {
+    Q_OBJECT
+  public:
+    explicit MainWindow(MainWindowOptions options, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    // The load event: start-up in the core. False when start-up refused to run (its box
+    // was shown); the program then ends.
+    bool load();
+
+    Session& session() { return session_; }
+    Context context() { return session_.context(); }
+    // Boxes and prompts go here instead of on screen (tests).
+    void setBoxesTo(Interaction* boxes) { boxes_ = boxes; }
+
+    // Interaction
+    Answer message(const Message& box) override;
+    std::optional<std::string> prompt(const std::string& title, const std::string& text,
+                                      const std::string& initial) override;
+    void setStatus(StatusPanel panel, const std::string& text) override;
+    void showProgress(int maximum) override;
+    void setProgress(int value) override;
+    void hideProgress() override;
+    void processEvents() override;
+
+    // Redraws everything from MainState.
+    void refreshAll();
+    void applyListColors();
+    // The drive scan, as a device notice or the first activation starts it.
+    void scanForDrives(const std::optional<DeviceNotice>& notice = std::nullopt);
+    void startUpdateCheck();
+    UpdateCheck* updateCheck() const { return update_; }
+
+    // Runs one command with every other command disabled until it ends, so events
+    // pumped during a long command cannot start a second one inside it.
+    template <class F>
+    void command(F&& body) {
+        if (session_.state.busy) return;
+        beginCommand();
+        try {
+            body();
+        } catch (...) {
+            endCommand();
+            throw;
+        }
+        endCommand();
+    }
+
+    // Handlers the widgets call; public so tests can drive them as a user would.
+    void listClicked(FileListWidget* list);
+    void listDoubleClicked(FileListWidget* list, const QString& name);
+    void filesDropped(const QString& destinationList, const DraggedFiles& files,
+                      const QString& destinationFolder);
+    void folderChosen(const QString& folder);
+    void openViewer(const std::filesystem::path& file);
+    void showPreferences();
+    void showAbout();
+    void openManual();
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    friend struct MainWindowBuilder;
+    void buildPanes();
+    void buildMenus();
+    void connectSignals();
+    void activate();
+    void beginCommand();
+    void endCommand();
+    void applyEnabled();
+    void refreshDocs();
+    void refreshUsb();
+    void refreshPanels();
+    void notAvailable(const QString& caption);
+    void playFile(const std::filesystem::path& file);
+
+    Session session_;
+    Interaction* boxes_ = nullptr;
+    std::shared_ptr<Volumes> volumes_;
+    QUrl updateUrl_;
+    bool activatedOnce_ = false;
+    bool loaded_ = false;
+    bool unloaded_ = false;
+
+    // Controls by their program name; command widgets are enabled from MainState.
+    std::map<QString, QWidget*> widgets_;
+    std::map<QString, QAction*> actions_;
+
+    QComboBox* dlbDocs_ = nullptr;
+    FolderTree* dirDocs_ = nullptr;
+    FileListWidget* flbDocs_ = nullptr;
+    FileListWidget* flbUSB_ = nullptr;
+    QLineEdit* txtDocPath_ = nullptr;
+    QLineEdit* txtUSBPath_ = nullptr;
+    std::array<QPushButton*, 5> btnButtonBar_{};
+    std::array<QPushButton*, 5> btnUSB_Docs_{};
+    QPushButton* btnSort_ = nullptr;
+    QPushButton* btnCompare_ = nullptr;
+    QPushButton* btnRenameVol_ = nullptr;
+    QLabel* lblDriveInfoDisplay_ = nullptr;
+    QLabel* lblFileInfoDisplay_ = nullptr;
+    std::array<QLabel*, 3> statusPanels_{};
+    QProgressBar* pbarMain_ = nullptr;
+    MediaPlayer* player_ = nullptr;
+    UpdateCheck* update_ = nullptr;
+    DeviceWatch* devices_ = nullptr;
+};
+
+}  // namespace tvk::ui

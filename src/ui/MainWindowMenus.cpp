@@ -1,0 +1,120 @@
+// frmMain's menus: File, Edit, Help, the one visible series item and Make Files.
+
+#include <QMenuBar>
+
+#include "library/CategoryViews.h"
+#include "library/Selection.h"
+#include "ui/FolderTree.h"
+#include "ui/MainWindow.h"
+#include "ui/QtText.h"
+
+namespace tvk::ui {
+
+namespace {
+
+struct Item {
+    const char* name;
+    const char* caption;  // nullptr: a separator
+};
+
+// File and Edit as the program has always grouped them.
+const std::vector<Item> kFileMenu = {
+    {"mnuOpen", "&Open"},
+    {nullptr, nullptr},
+    {"mnuFileRename", "Re&name"},
+    {"mnuFileConvert", "&Convert"},
+    {nullptr, nullptr},
+    {"mnuEditDelete", "&Delete"},
+    {"mnuEditNewFldr", "Ne&w Folder"},
+    {"mnuFileEmpty", "Empty &Bin"},
+    {nullptr, nullptr},
+    {"mnuFilePrint", "&Print Preset Pool"},
+    {nullptr, nullptr},
+    {"mnuFileFormat", "For&mat"},
+    {nullptr, nullptr},
+    {"mnuFileQuit", "&Quit"},
+};
+const std::vector<Item> kEditMenu = {
+    {"mnuEditRefresh", "&Refresh"},       {nullptr, nullptr}, {"mnuEditFind", "&Find"},
+    {"mnuEditRename", "Re&name Presets"}, {nullptr, nullptr}, {"mnuEditCopy", "&Copy"},
+    {"mnuEditPaste", "&Paste"},           {nullptr, nullptr}, {"mnuEditPrefs", "Preferences"},
+};
+const std::vector<Item> kHelpMenu = {{"mnuHelpAbout", "&About"},
+                                     {"mnuHelpManual", "User's Manual"}};
+
+}  // namespace
+
+void MainWindow::buildMenus() {
+    menuBar()->setObjectName("mnuMain");
+    auto addMenu = [this](const char* name, const char* caption, const std::vector<Item>& items) {
+        QMenu* menu = menuBar()->addMenu(caption);
+        menu->setObjectName(name);
+        for (const auto& item : items) {
+            if (!item.name) {
+                menu->addSeparator();
+                continue;
+            }
+            QAction* a = menu->addAction(item.caption);
+            a->setObjectName(item.name);
+            actions_[item.name] = a;
+        }
+    };
+    addMenu("mnuFile", "&File", kFileMenu);
+    addMenu("mnuEdit", "&Edit", kEditMenu);
+    addMenu("mnuHelp", "&Help", kHelpMenu);
+    for (int series = 0; series < 4; ++series) {
+        const char* name = kSeriesMenuItems[series];
+        QAction* a = menuBar()->addAction(qs(seriesMenuCaption(series)));
+        a->setObjectName(name);
+        a->setToolTip("Organ series shown; click for the next series");
+        actions_[name] = a;
+    }
+    QAction* make = menuBar()->addAction("Make Files");
+    make->setObjectName("mnuMakeFiles");
+    actions_["mnuMakeFiles"] = make;
+
+    auto on = [this](const char* name, auto handler) {
+        connect(actions_.at(name), &QAction::triggered, this, handler);
+    };
+    on("mnuFileQuit", [this] { close(); });
+    on("mnuOpen", [this] {
+        command([&] {
+            auto* list = session_.state.activeList == "flbUSB" ? flbUSB_ : flbDocs_;
+            const auto names = list->selectedNames();
+            if (session_.state.activeList.rfind("flb", 0) != 0 || names.size() != 1) return;
+            openViewer(list->folder() / pathFromUtf8(names.front()));
+        });
+    });
+    on("mnuEditRefresh", [this] {
+        command([&] {
+            session_.state.fileInfoText.clear();
+            dirDocs_->refresh();
+            refreshAll();
+        });
+    });
+    on("mnuEditPrefs", [this] { showPreferences(); });
+    on("mnuHelpAbout", [this] { showAbout(); });
+    on("mnuHelpManual", [this] { openManual(); });
+    using SeriesCommand = void (*)(Context&);
+    const std::pair<const char*, SeriesCommand> seriesCommands[] = {{"mnuALL", &mnuALL_Click},
+                                                                    {"mnuSU", &mnuSU_Click},
+                                                                    {"mnuA", &mnuA_Click},
+                                                                    {"mnuE", &mnuE_Click}};
+    for (const auto& [name, run] : seriesCommands) {
+        on(name, [this, run = run] {
+            command([&] {
+                auto ctx = context();
+                run(ctx);
+            });
+        });
+    }
+    // Commands still being added to the program say so rather than doing nothing.
+    for (const char* name : {"mnuFileRename", "mnuFileConvert", "mnuEditDelete", "mnuEditNewFldr",
+                             "mnuFileEmpty", "mnuFilePrint", "mnuFileFormat", "mnuEditFind",
+                             "mnuEditRename", "mnuEditCopy", "mnuEditPaste", "mnuMakeFiles"}) {
+        QAction* a = actions_.at(name);
+        on(name, [this, a] { command([&] { notAvailable(a->text()); }); });
+    }
+}
+
+}  // namespace tvk::ui
