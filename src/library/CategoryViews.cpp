@@ -7,6 +7,9 @@ namespace tvk {
 
 namespace {
 
+// The stick list shows nothing while no drive is accepted.
+constexpr const char* kEmptyStickPattern = "*.nothing";
+
 // Rows: category; columns: ALL, SU, A, E. Kept exactly as users know it, including the
 // literal "ASONG.lpg" and the capitalised "SUPSET*.LPG".
 constexpr std::array<std::array<const char*, 4>, kCategoryCount> kPatterns = {{
@@ -61,7 +64,7 @@ void btnButtonBar_Click(Context& ctx, int index) {
             state.selectedCategory = index;
             r.step([&] { showDocsCount(ctx); });
         }
-        state.usbPattern = state.drive.present ? state.pattern : kNoDrivePattern;
+        state.usbPattern = state.drive.present ? state.pattern : kEmptyStickPattern;
         r.step([&] {
             if (state.refreshLists) state.refreshLists();
             showDocsCount(ctx);

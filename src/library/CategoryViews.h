@@ -13,7 +13,6 @@
 namespace tvk {
 
 inline constexpr int kCategoryCount = 5;
-inline constexpr const char* kNoDrivePattern = "*.nothing";
 
 // Captions of the category button bar, index 0 to 4.
 inline constexpr std::array<const char*, kCategoryCount> kCategoryCaptions = {

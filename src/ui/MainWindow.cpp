@@ -14,13 +14,13 @@
 #include "app/Routine.h"
 #include "app/Startup.h"
 #include "app/Version.h"
+#include "drive/ScanForUSBs.h"
 #include "library/CategoryViews.h"
 #include "library/Selection.h"
 #include "ui/Colors.h"
 #include "ui/DeviceWatch.h"
 #include "ui/FolderTree.h"
 #include "ui/MediaPlayer.h"
-#include "ui/PendingParts.h"
 #include "ui/QtText.h"
 #include "ui/UpdateCheck.h"
 
@@ -305,7 +305,7 @@ void MainWindow::activate() {
         FormActivate(ctx, activatedOnce_,
                      ActivateHooks{[this] {
                                        auto c = context();
-                                       pending::ScanForUSBs(c, std::nullopt);
+                                       ScanForUSBs(c);
                                        refreshAll();
                                    },
                                    [this] { startUpdateCheck(); }});
@@ -315,9 +315,15 @@ void MainWindow::activate() {
 void MainWindow::scanForDrives(const std::optional<DeviceNotice>& notice) {
     command([&] {
         auto ctx = context();
-        if (notice && notice->kind == DeviceNotice::Kind::Removal) player_->stop();
-        pending::ScanForUSBs(ctx, notice);
-        if (!session_.state.drive.present) session_.state.usbPattern = kNoDrivePattern;
+        if (!notice) {
+            ScanForUSBs(ctx);
+        } else if (notice->kind == DeviceNotice::Kind::Arrival) {
+            SysInfo1_DeviceArrival(ctx, *notice);
+        } else {
+            // A file playing from the pulled stick cannot go on.
+            player_->stop();
+            SysInfo1_DeviceRemoveComplete(ctx, *notice);
+        }
         refreshAll();
     });
 }

@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include "app/Routine.h"
+#include "drive/VolumeCommands.h"
 #include "library/CategoryViews.h"
 #include "library/Selection.h"
 #include "organfiles/OrganFile.h"
@@ -17,7 +18,6 @@
 #include "ui/FolderTree.h"
 #include "ui/MainWindow.h"
 #include "ui/MediaPlayer.h"
-#include "ui/PendingParts.h"
 #include "ui/PreferencesDialog.h"
 #include "ui/QtText.h"
 
@@ -65,7 +65,14 @@ void MainWindow::connectSignals() {
     for (auto* b : btnUSB_Docs_)
         connect(b, &QPushButton::clicked, this,
                 [this, b] { command([&] { notAvailable(b->text()); }); });
-    for (auto* b : {btnSort_, btnCompare_, btnRenameVol_})
+    connect(btnRenameVol_, &QPushButton::clicked, this, [this] {
+        command([&] {
+            auto ctx = context();
+            btnRenameVol_Click(ctx);
+            refreshAll();
+        });
+    });
+    for (auto* b : {btnSort_, btnCompare_})
         connect(b, &QPushButton::clicked, this,
                 [this, b] { command([&] { notAvailable(b->text().replace('\n', ' ')); }); });
 }

@@ -2,6 +2,7 @@
 
 #include <QMenuBar>
 
+#include "drive/VolumeCommands.h"
 #include "library/CategoryViews.h"
 #include "library/Selection.h"
 #include "ui/FolderTree.h"
@@ -92,6 +93,13 @@ void MainWindow::buildMenus() {
             refreshAll();
         });
     });
+    on("mnuFileFormat", [this] {
+        command([&] {
+            auto ctx = context();
+            mnuFileFormat_Click(ctx);
+            refreshAll();
+        });
+    });
     on("mnuEditPrefs", [this] { showPreferences(); });
     on("mnuHelpAbout", [this] { showAbout(); });
     on("mnuHelpManual", [this] { openManual(); });
@@ -110,8 +118,8 @@ void MainWindow::buildMenus() {
     }
     // Commands still being added to the program say so rather than doing nothing.
     for (const char* name : {"mnuFileRename", "mnuFileConvert", "mnuEditDelete", "mnuEditNewFldr",
-                             "mnuFileEmpty", "mnuFilePrint", "mnuFileFormat", "mnuEditFind",
-                             "mnuEditRename", "mnuEditCopy", "mnuEditPaste", "mnuMakeFiles"}) {
+                             "mnuFileEmpty", "mnuFilePrint", "mnuEditFind", "mnuEditRename",
+                             "mnuEditCopy", "mnuEditPaste", "mnuMakeFiles"}) {
         QAction* a = actions_.at(name);
         on(name, [this, a] { command([&] { notAvailable(a->text()); }); });
     }

@@ -4,6 +4,7 @@
 //                       [--screenshot FILE]
 
 #include <QApplication>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QTimer>
 #include <iostream>
@@ -71,6 +72,9 @@ int main(int argc, char** argv) {
         if (!args.screenshot.isEmpty()) {
             // Let the first activation and the scan finish, then save the window.
             QTimer::singleShot(1500, &window, [&] {
+                // One file selected, so the picture shows the information panel too.
+                if (auto* docs = window.findChild<QListWidget*>("flbDocs"); docs && docs->count())
+                    docs->setCurrentRow(docs->count() - 1);
                 window.grab().save(args.screenshot);
                 window.close();
             });
