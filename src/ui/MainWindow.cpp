@@ -39,9 +39,11 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     for (const auto* c :
          {kMnuOpen, kMnuFileRename, kMnuEditCopy, kMnuEditPaste, kMnuEditRename, kBtnCompare})
         state.enabled[c] = false;
+    // Commands redraw through this; the series item and category highlight follow too.
     state.refreshLists = [this] {
         refreshDocs();
         refreshUsb();
+        applyEnabled();
     };
 
     buildPanes();
