@@ -9,7 +9,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev libgl-dev
     g++-mingw-w64-x86-64-posix
     dosfstools mtools fusefat fuse3 exfat-fuse exfatprogs fuse2fs e2fsprogs fiu-utils
-    lame ffmpeg
+    lame ffmpeg gstreamer1.0-plugins-good
     xvfb xauth xdg-utils
 )
 

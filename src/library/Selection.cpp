@@ -72,6 +72,21 @@ bool isPresetName(const std::string& name) {
     return isOneOf(extensionOf(name), {"SPG", "APG", "EPG", "LPG"});
 }
 
+namespace {
+void applyEnabling(MainState& state, const CommandEnabling& on) {
+    state.enabled[kMnuOpen] = on.open;
+    state.enabled[kMnuFileRename] = on.rename;
+    state.enabled[kMnuEditCopy] = on.copy;
+    state.enabled[kMnuEditPaste] = on.paste;
+    state.enabled[kBtnCompare] = on.compare;
+}
+}  // namespace
+
+void forgetSelection(MainState& state) {
+    state.selected.clear();
+    applyEnabling(state, enablingFor(0));
+}
+
 void fileListClick(Context& ctx, const ListClick& click) {
     routine(ctx, "frmMain." + click.list + "_Click", [&](Routine& r) {
         auto& state = ctx.state;
@@ -80,12 +95,7 @@ void fileListClick(Context& ctx, const ListClick& click) {
         showFileInfo(ctx, r, click);
         fillSelectedTable(r, state.selected, click.selected, "Selected file");
 
-        const auto on = enablingFor(click.selected.size());
-        state.enabled[kMnuOpen] = on.open;
-        state.enabled[kMnuFileRename] = on.rename;
-        state.enabled[kMnuEditCopy] = on.copy;
-        state.enabled[kMnuEditPaste] = on.paste;
-        state.enabled[kBtnCompare] = on.compare;
+        applyEnabling(state, enablingFor(click.selected.size()));
 
         ctx.ui.setStatus(StatusPanel::Progress,
                          selectionStatus(click.selected.size(), click.entryCount));

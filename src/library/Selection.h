@@ -43,6 +43,10 @@ struct ListClick {
 // 1,500 names is an index error), the enabled commands and the "n of m selected" text.
 void fileListClick(Context& ctx, const ListClick& click);
 
+// The list was redrawn and lost its selection: an empty table and nothing enabled that
+// needs one.
+void forgetSelection(MainState& state);
+
 enum class DoubleClickAction { None, Play, View, OpenWithDesktop };
 DoubleClickAction doubleClickAction(const std::string& list, const std::string& name);
 

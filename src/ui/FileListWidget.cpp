@@ -46,6 +46,8 @@ bool FileListWidget::showFolder(const std::filesystem::path& folder, const std::
     } catch (const std::exception& e) {
         problem_ = qs(e.what());
     }
+    // A redraw is not the user's selection; the window resets the table itself.
+    const QSignalBlocker quiet(this);
     setUpdatesEnabled(false);
     clear();
     for (const auto& name : names) {
@@ -57,6 +59,7 @@ bool FileListWidget::showFolder(const std::filesystem::path& folder, const std::
 }
 
 void FileListWidget::clearFolder() {
+    const QSignalBlocker quiet(this);
     folder_.clear();
     problem_.clear();
     clear();

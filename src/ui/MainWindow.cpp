@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStorageInfo>
 #include <QTimer>
 
 #include "app/Routine.h"
@@ -84,6 +85,9 @@ bool MainWindow::load() {
     }
     applyListColors();
     dirDocs_->setRoot(session_.paths.libraryRoot);
+    const int drive =
+        dlbDocs_->findText(QStorageInfo(qpath(session_.paths.libraryRoot)).rootPath());
+    if (drive >= 0) dlbDocs_->setCurrentIndex(drive);
     // Start on "All Files" of the user's series, so the view matches the organ.
     btnButtonBar_Click(ctx, 0);
     refreshAll();
@@ -242,6 +246,7 @@ void MainWindow::refreshDocs() {
         setStatus(StatusPanel::Second, "The folder \"" + fileNameUtf8(gone) +
                                            "\" is no longer there; showing the library folder.");
     }
+    if (state.activeList == "flbDocs") forgetSelection(state);
     if (state.docsFolder.empty()) {
         flbDocs_->clearFolder();
         txtDocPath_->clear();
@@ -258,7 +263,8 @@ void MainWindow::refreshDocs() {
 }
 
 void MainWindow::refreshUsb() {
-    const auto& state = session_.state;
+    auto& state = session_.state;
+    if (state.activeList == "flbUSB") forgetSelection(state);
     if (!state.drive.present) {
         flbUSB_->clearFolder();
         txtUSBPath_->clear();

@@ -18,11 +18,12 @@ QMediaPlayer* MediaPlayer::player() {
     player_ = new QMediaPlayer(this);
     audio_ = new QAudioOutput(this);
     player_->setAudioOutput(audio_);
-    connect(player_, &QMediaPlayer::playbackStateChanged, this,
-            [this](QMediaPlayer::PlaybackState s) {
-                if (s == QMediaPlayer::PlayingState && status) status("Playing " + name_);
-            });
+    // "Playing" only once the framework has the media; a file it cannot read ends in an
+    // error instead.
     connect(player_, &QMediaPlayer::mediaStatusChanged, this, [this](QMediaPlayer::MediaStatus s) {
+        if ((s == QMediaPlayer::LoadedMedia || s == QMediaPlayer::BufferedMedia) &&
+            player_->playbackState() == QMediaPlayer::PlayingState && status && !file_.isEmpty())
+            status("Playing " + name_);
         if (s == QMediaPlayer::EndOfMedia) {
             close();
             if (status) status("");
