@@ -1,5 +1,6 @@
-#include <dbt.h>
 #include <windows.h>
+// dbt.h needs the types windows.h declares.
+#include <dbt.h>
 
 #include <QAbstractNativeEventFilter>
 #include <QCoreApplication>

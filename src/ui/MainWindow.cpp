@@ -154,11 +154,18 @@ Answer MainWindow::message(const Message& box) {
 std::optional<std::string> MainWindow::prompt(const std::string& title, const std::string& text,
                                               const std::string& initial) {
     if (boxes_) return boxes_->prompt(title, text, initial);
-    bool ok = false;
-    const QString answer = QInputDialog::getText(this, qs(title), qs(toDisplayLines(text)),
-                                                 QLineEdit::Normal, qs(initial), &ok);
-    if (!ok) return std::nullopt;
-    return us(answer);
+    QInputDialog dialog(this);
+    dialog.setWindowTitle(qs(title));
+    dialog.setLabelText(qs(toDisplayLines(text)));
+    dialog.setTextValue(qs(initial));
+    // "All Text Select" off: the cursor goes to the end instead of selecting the text.
+    if (!session_.settings.allTextSelect) {
+        QTimer::singleShot(0, &dialog, [&dialog] {
+            if (auto* edit = dialog.findChild<QLineEdit*>()) edit->end(false);
+        });
+    }
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    return us(dialog.textValue());
 }
 
 void MainWindow::setStatus(StatusPanel panel, const std::string& text) {

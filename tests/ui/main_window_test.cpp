@@ -10,6 +10,7 @@
 #include <QTableWidget>
 #include "library/Selection.h"
 
+#include "ui/AboutDialog.h"
 #include "ui/FolderTree.h"
 #include "ui/QtText.h"
 #include "ui/WindowFixture.h"
@@ -258,6 +259,12 @@ TEST_F(MainWindowTest, DoubleClickOpensTheViewerOrSaysWhatIsWrong) {
     window->listDoubleClicked(list("flbDocs"), "Waltz.APG");
     EXPECT_TRUE(statusText(1).contains("no longer there"));
     EXPECT_FALSE(names("flbDocs").contains("Waltz.APG"));
+}
+
+TEST_F(MainWindowTest, AboutShowsTheVersion) {
+    ui::AboutDialog about(window.get());
+    EXPECT_EQ(about.objectName(), "frmAbout");
+    EXPECT_EQ(about.findChild<QLabel*>("lblVersion")->text(), "Version: 2021.0922.1101");
 }
 
 TEST_F(MainWindowTest, HelpSaysWhereTheMissingManualShouldBe) {
