@@ -93,18 +93,18 @@ TEST_F(FileInfo, PanelLinesByKind) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const auto file = make(c.name, c.bytes, c.size);
-        EXPECT_EQ(DisplayFileInfo(ctx, pathToUtf8(file)), c.text);
+        EXPECT_EQ(DisplayFileInfo(ctx, file), c.text);
         EXPECT_EQ(ctx.state.fileInfoText, c.text);
     }
     EXPECT_TRUE(ui.shown.empty());
-    EXPECT_EQ(DisplayFileInfo(ctx, ""), "");
+    EXPECT_EQ(DisplayFileInfo(ctx, std::filesystem::path()), "");
     EXPECT_EQ(ctx.state.fileInfoText, "");
 }
 
 TEST_F(FileInfo, PresetWithoutMarkShowsTheErrorThenTheRest) {
     const auto file = make("PLAIN.EPG", "A plain text file, no mark at all", 100);
     ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
-    EXPECT_EQ(DisplayFileInfo(ctx, pathToUtf8(file)),
+    EXPECT_EQ(DisplayFileInfo(ctx, file),
               "File Version: \rPreset Name: A plain text fil\rModified: 11/21/2026 5:31:11 AM\r"
               "File Size: 0KB");
     EXPECT_TRUE(ui.done());

@@ -21,7 +21,7 @@ int runInfo(std::vector<std::string>& args, ConsoleInteraction& ui) {
     std::string out;
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (i) out += '\n';
-        out += toDisplayLines(DisplayFileInfo(ctx, args[i]));
+        out += toDisplayLines(DisplayFileInfo(ctx, pathFromUtf8(args[i])));
         out += '\n';
         // Flushed in batches: a thousand small writes would cost more than the reading.
         if (out.size() > 65536) {

@@ -59,11 +59,11 @@ std::string megabytesText(std::uintmax_t bytes) {
            zeroPad(static_cast<long long>(hundredths % 100), 2) + "MB";
 }
 
-std::string DisplayFileInfo(Context& ctx, const std::string& fileName) {
+std::string DisplayFileInfo(Context& ctx, const std::filesystem::path& file) {
     std::string text;
     routine(ctx, "frmMain.DisplayFileInfo", [&](Routine& r) {
-        if (fileName.empty()) return;
-        const std::filesystem::path file = pathFromUtf8(fileName);
+        if (file.empty()) return;
+        const std::string fileName = pathToUtf8(file);
         std::string modified;
         std::uintmax_t size = 0;
         r.step("Read the date and size of " + fileName, [&] {

@@ -4,15 +4,17 @@
 
 #include <cstdint>
 #include <ctime>
+#include <filesystem>
 #include <string>
 
 namespace tvk {
 
 struct Context;
 
-// `fileName` is the full path as UTF-8. The lines are joined by the message line break
-// and also kept in ctx.state.fileInfoText. An empty name gives an empty panel.
-std::string DisplayFileInfo(Context& ctx, const std::string& fileName);
+// The lines for the file at `file`, joined by the message line break and also kept in
+// ctx.state.fileInfoText. An empty path gives an empty panel. (Build the path from a
+// UTF-8 name with pathFromUtf8.)
+std::string DisplayFileInfo(Context& ctx, const std::filesystem::path& file);
 
 // "11/21/2026 5:31:11 AM": the Windows US short date and long time.
 std::string usDateTime(const std::tm& local);
