@@ -34,6 +34,7 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
       updateUrl_(options.updateUrl.isEmpty() ? UpdateCheck::configuredUrl() : options.updateUrl) {
     setObjectName("frmMain");
     setWindowTitle(kProductName);
+    quitProgram = [](int code) { QCoreApplication::exit(code); };
     session_.volumes = volumes_;
     auto& state = session_.state;
     // Nothing is selected yet, so nothing that needs a selection may run.
@@ -197,6 +198,12 @@ void MainWindow::processEvents() {
 void MainWindow::beginCommand() {
     session_.state.busy = true;
     applyEnabled();
+}
+
+void MainWindow::endProgram(int exitCode) {
+    unloaded_ = true;
+    player_->stop();
+    if (quitProgram) quitProgram(exitCode);
 }
 
 void MainWindow::endCommand() {

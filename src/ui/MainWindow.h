@@ -6,12 +6,14 @@
 #include <QMainWindow>
 #include <QUrl>
 #include <array>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include "app/Interaction.h"
+#include "app/Routine.h"
 #include "app/Session.h"
 #include "app/System.h"
 #include "drive/Volumes.h"
@@ -50,6 +52,8 @@ class MainWindow : public QMainWindow, public Interaction {
 
     Session& session() { return session_; }
     Context context() { return session_.context(); }
+    // How the program ends when a command ends it; leaves the event loop by default.
+    std::function<void(int exitCode)> quitProgram;
     // Boxes and prompts go here instead of on screen (tests).
     void setBoxesTo(Interaction* boxes) { boxes_ = boxes; }
 
@@ -79,9 +83,11 @@ class MainWindow : public QMainWindow, public Interaction {
         beginCommand();
         try {
             body();
-        } catch (...) {
-            endCommand();
-            throw;
+        } catch (const ProgramEnd& end) {
+            endProgram(end.exitCode);
+        } catch (const UntrappedError& e) {
+            reportUntrappedError(*this, e.error);
+            endProgram(1);
         }
         endCommand();
     }
@@ -109,6 +115,9 @@ class MainWindow : public QMainWindow, public Interaction {
     void connectSignals();
     void activate();
     void beginCommand();
+    // Abort with the trace off, or an error with the trap off: the program ends at once,
+    // without writing the settings.
+    void endProgram(int exitCode);
     void endCommand();
     void applyEnabled();
     void refreshDocs();

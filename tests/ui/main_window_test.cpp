@@ -261,6 +261,22 @@ TEST_F(MainWindowTest, DoubleClickOpensTheViewerOrSaysWhatIsWrong) {
     EXPECT_FALSE(names("flbDocs").contains("Waltz.APG"));
 }
 
+TEST_F(MainWindowTest, AbortWithoutTraceEndsWithoutWritingSettings) {
+    libraryFile("Broken.SPG", "no header here");
+    window->refreshAll();
+    const auto before = readFile(library() / "TVK.ini");
+    window->session().settings.autoBackup = true;  // would be written by a normal close
+    int exitCode = -1;
+    window->quitProgram = [&](int code) { exitCode = code; };
+    ui.expect("TVK: RUNTIME ERROR", Answer::Abort);
+    list("flbDocs")->setCurrentRow(0);
+    EXPECT_TRUE(ui.done());
+    EXPECT_FALSE(window->session().state.busy);
+    EXPECT_EQ(exitCode, 1);
+    window->close();
+    EXPECT_EQ(readFile(library() / "TVK.ini"), before);
+}
+
 TEST_F(MainWindowTest, AboutShowsTheVersion) {
     ui::AboutDialog about(window.get());
     EXPECT_EQ(about.objectName(), "frmAbout");
