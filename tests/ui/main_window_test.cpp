@@ -277,6 +277,20 @@ TEST_F(MainWindowTest, AbortWithoutTraceEndsWithoutWritingSettings) {
     EXPECT_EQ(readFile(library() / "TVK.ini"), before);
 }
 
+TEST_F(MainWindowTest, SelectingTwoThousandFilesKeepsTheFirst1500) {
+    const auto folder = tree.mkdir("Documents/Tavrin File Manager/Big");
+    for (int i = 0; i < 2000; ++i) writeFile(folder / ("f" + std::to_string(i) + ".mid"), "x");
+    window->folderChosen(ui::qpath(folder));
+    auto* docs = list("flbDocs");
+    ASSERT_EQ(docs->count(), 2000);
+    EXPECT_EQ(statusText(1), "2000 items");
+    ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
+    docs->selectAll();
+    EXPECT_TRUE(ui.done());
+    EXPECT_EQ(window->session().state.selected.size(), 1500u);
+    EXPECT_EQ(statusText(1), "2000 of 2000 selected");
+}
+
 TEST_F(MainWindowTest, AboutShowsTheVersion) {
     ui::AboutDialog about(window.get());
     EXPECT_EQ(about.objectName(), "frmAbout");
