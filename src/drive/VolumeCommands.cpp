@@ -1,5 +1,7 @@
 #include "drive/VolumeCommands.h"
 
+#include <optional>
+
 #include "app/CommonRoutines.h"
 #include "app/Routine.h"
 #include "app/Text.h"
@@ -27,14 +29,15 @@ bool confirmFormat(Context& ctx, const ThumbDriveState& d, bool empty) {
            Answer::Yes;
 }
 
-// Hands the drive to the format; only removable drives are ever formatted.
-FormatOutcome formatDrive(Context& ctx, Routine& r, const ThumbDriveState& d) {
+// Hands the drive to the format; only removable drives are ever formatted, and nothing
+// is written to any other.
+std::optional<FormatOutcome> formatDrive(Context& ctx, Routine& r, const ThumbDriveState& d) {
     Volumes& volumes = *ctx.volumes;
     FormatOutcome outcome{0, {}};
     if (volumes.driveType(d.letter) != DriveType::Removable) {
         ctx.ui.inform(kFormatTitle, "Drive " + pathToUtf8(d.root) +
                                         " is not a removable drive, so it was not formatted.");
-        return outcome;
+        return std::nullopt;
     }
     r.step("Format drive " + normaliseDriveText(d.letter) + " (drive number " +
                std::to_string(driveNumber(d.letter)) + ")",
@@ -92,10 +95,10 @@ void mnuFileFormat_Click(Context& ctx) {
         if (volumes.hasFormatWindow())
             ctx.ui.inform(kProjectName, "In the next window, be sure to select " + kQ + "FAT" + kQ +
                                             " in the File System dropdown box.");
-        const FormatOutcome outcome = formatDrive(ctx, r, d);
+        const auto outcome = formatDrive(ctx, r, d);
         // A cancelled format window still gets its folder, as it always has; a format the
         // program itself could not do leaves the drive alone.
-        if (outcome.problem.empty() && (empty || outcome.result != kFormatError)) {
+        if (outcome && outcome->problem.empty() && (empty || outcome->result != kFormatError)) {
             r.step("Create the TAVRIN folder", [&] {
                 d.root = volumes.rootPath(d.letter);
                 if (!std::filesystem::create_directory(d.tavrinFolder()))
