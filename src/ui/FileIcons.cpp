@@ -80,4 +80,28 @@ QIcon fileIcon(FileKindIcon kind) {
     return icon;
 }
 
+QIcon appIcon() {
+    QIcon icon;
+    for (int size : {16, 32, 64}) {
+        QPixmap pm(size, size);
+        pm.fill(Qt::transparent);
+        QPainter p(&pm);
+        p.setRenderHint(QPainter::Antialiasing);
+        const qreal s = size / 32.0;
+        // The stick's body and plug.
+        p.setPen(Qt::NoPen);
+        p.setBrush(QColor(150, 150, 160));
+        p.drawRect(QRectF(11 * s, 1 * s, 10 * s, 7 * s));
+        p.setBrush(QColor(30, 70, 140));
+        p.drawRoundedRect(QRectF(5 * s, 7 * s, 22 * s, 24 * s), 3 * s, 3 * s);
+        // Five white keys with three black ones over them.
+        p.setBrush(Qt::white);
+        for (int k = 0; k < 5; ++k) p.drawRect(QRectF((8 + k * 3.3) * s, 15 * s, 3 * s, 12 * s));
+        p.setBrush(Qt::black);
+        for (int k : {0, 1, 3}) p.drawRect(QRectF((10.2 + k * 3.3) * s, 15 * s, 2 * s, 7 * s));
+        icon.addPixmap(pm);
+    }
+    return icon;
+}
+
 }  // namespace tvk::ui

@@ -10,5 +10,7 @@ enum class FileKindIcon { Preset, Recording, Mp3, Midi, Pdf, Other };
 
 FileKindIcon iconKindFor(const QString& fileName);
 QIcon fileIcon(FileKindIcon kind);
+// The program's own icon: a thumbdrive with the organ's keys.
+QIcon appIcon();
 
 }  // namespace tvk::ui

@@ -2,6 +2,7 @@
 
 #include <QDataStream>
 #include <QDragEnterEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 
 #include "app/PlainFiles.h"
@@ -112,6 +113,14 @@ void FileListWidget::dropEvent(QDropEvent* event) {
     event->setDropAction(Qt::CopyAction);
     event->accept();
     emit filesDropped(files, qpath(folder_));
+}
+
+void FileListWidget::keyPressEvent(QKeyEvent* event) {
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentItem()) {
+        emit openRequested(currentItem());
+        return;
+    }
+    QListWidget::keyPressEvent(event);
 }
 
 }  // namespace tvk::ui

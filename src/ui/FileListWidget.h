@@ -35,6 +35,8 @@ class FileListWidget : public QListWidget {
     bool selectName(const QString& name);
 
   signals:
+    // Return on an entry: the same as a double-click.
+    void openRequested(QListWidgetItem* item);
     void filesDropped(const DraggedFiles& files, const QString& destinationFolder);
 
   protected:
@@ -43,6 +45,7 @@ class FileListWidget : public QListWidget {
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     Qt::DropActions supportedDropActions() const override { return Qt::CopyAction; }
 
   private:

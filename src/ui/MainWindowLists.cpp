@@ -37,6 +37,8 @@ void MainWindow::connectSignals() {
                 [this, list] { listClicked(list); });
         connect(list, &QListWidget::itemDoubleClicked, this,
                 [this, list](QListWidgetItem* item) { listDoubleClicked(list, item->text()); });
+        connect(list, &FileListWidget::openRequested, this,
+                [this, list](QListWidgetItem* item) { listDoubleClicked(list, item->text()); });
         connect(list, &FileListWidget::filesDropped, this,
                 [this, list](const DraggedFiles& files, const QString& folder) {
                     filesDropped(list->objectName(), files, folder);

@@ -11,6 +11,7 @@
 
 #include "app/Routine.h"
 #include "app/Version.h"
+#include "ui/FileIcons.h"
 #include "ui/MainWindow.h"
 #include "ui/QtText.h"
 
@@ -50,17 +51,25 @@ Arguments readArguments(const QStringList& args) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName("Tavrin File Manager");
+    QApplication::setWindowIcon(tvk::ui::appIcon());
     const Arguments args = readArguments(QApplication::arguments());
 
     tvk::ui::MainWindowOptions options;
     options.system = tvk::makePlatformSystem(args.switches);
+    tvk::VolumesOptions vo;
+    vo.images = args.images;
     try {
-        tvk::VolumesOptions vo;
-        vo.images = args.images;
         options.volumes = tvk::makePlatformVolumes(vo);
     } catch (const std::exception& e) {
+        // Go on with the machine's own drives rather than not start at all.
+        const QString why = QString::fromUtf8(e.what());
         std::cerr << "tavrin-file-manager: " << e.what() << "\n";
-        return 1;
+        if (args.screenshot.isEmpty())
+            QMessageBox::warning(nullptr, "DRIVE IMAGE",
+                                 "The drive image could not be attached:\n" + why +
+                                     "\n\nThe program goes on with this computer's own drives.");
+        vo.images.clear();
+        options.volumes = tvk::makePlatformVolumes(vo);
     }
 
     try {
