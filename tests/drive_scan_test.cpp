@@ -6,6 +6,7 @@
 #include "app/Session.h"
 #include "app/Text.h"
 #include "drive/ScanForUSBs.h"
+#include "drive/VolumeHelpers.h"
 #include "drive/VolumeProbe.h"
 #include "support/DriveImages.h"
 #include "support/FakeSystem.h"
@@ -219,6 +220,23 @@ TEST(DriveScan, StickPulledOutBeforeTheScanLeavesNoDrive) {
     EXPECT_EQ(ctx.state.drive.letter, "");
     EXPECT_EQ(ctx.state.usbPattern, "*.nothing");
     EXPECT_FALSE(ctx.state.isEnabled(controlName("btnUSB_Docs", 2)));
+}
+
+TEST(DriveScan, MountChangesArriveAsNotices) {
+    TVK_REQUIRE_FUSE();
+    TempTree tree;
+    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "WATCHED", ""});
+    ImageDriveContext drives({image});
+    Volumes& volumes = *drives.session->volumes;
+    ASSERT_GE(volumes.noticeHandle(), 0);
+    EXPECT_FALSE(waitForNotices(volumes, 0));
+    ASSERT_EQ(test::runCommand("fusermount -u '" + pathToUtf8(drives.root()) + "'"), 0);
+    EXPECT_TRUE(waitForNotices(volumes, 2000));
+    const auto notices = volumes.takeNotices();
+    ASSERT_EQ(notices.size(), 1u);
+    EXPECT_EQ(notices[0].kind, DeviceNotice::Kind::Removal);
+    EXPECT_EQ(notices[0].deviceId, pathToUtf8(image));
+    EXPECT_FALSE(waitForNotices(volumes, 0));
 }
 
 // Drive letters, as only Windows has them.
