@@ -99,6 +99,36 @@ std::string buildTestFile(Series family, FileKind kind, const std::string& name,
     return file;
 }
 
+namespace {
+
+// Writes one family's files of one kind, numbering past taken names.
+void writeJob(Routine& r, const Job& job, RandomSource& random, MakeFilesResult& result,
+              int& done) {
+    Interaction& ui = r.ctx.ui;
+    const int limit = job.kind == FileKind::Preset ? kMaxPresetNumber : kMaxRecordingNumber;
+    int number = 1;
+    for (int made = 0; made < job.count; ++made) {
+        std::string name = organFileName(job.family, job.kind, number);
+        while (number <= limit && std::filesystem::exists(result.folder / pathFromUtf8(name)))
+            name = organFileName(job.family, job.kind, ++number);
+        if (number > limit) {
+            result.notWritten += job.count - made;
+            done += job.count - made;
+            return;
+        }
+        ui.setStatus(StatusPanel::Progress, "Writing " + name);
+        const std::string bytes =
+            buildTestFile(job.family, job.kind, MakeRandomName(random), random);
+        if (r.step("Write " + name, [&] { writeFile(result.folder / pathFromUtf8(name), bytes); }))
+            result.written.push_back(name);
+        ++number;
+        ui.setProgress(++done);
+        ui.processEvents();
+    }
+}
+
+}  // namespace
+
 MakeFilesResult MakeFiles(Context& ctx, const MakeFilesRequest& request, RandomSource& random) {
     MakeFilesResult result;
     routine(ctx, "frmMakeFiles.MakeFiles", [&](Routine& r) {
@@ -119,28 +149,7 @@ MakeFilesResult MakeFiles(Context& ctx, const MakeFilesRequest& request, RandomS
         for (const auto& job : jobs) total += std::max(0, job.count);
         ctx.ui.showProgress(std::max(total, 1));
         int done = 0;
-        for (const auto& job : jobs) {
-            const int limit = job.kind == FileKind::Preset ? kMaxPresetNumber : kMaxRecordingNumber;
-            int number = 1;
-            for (int made = 0; made < job.count; ++made) {
-                std::string name = organFileName(job.family, job.kind, number);
-                while (number <= limit && std::filesystem::exists(result.folder / name))
-                    name = organFileName(job.family, job.kind, ++number);
-                if (number > limit) {
-                    result.notWritten += job.count - made;
-                    done += job.count - made;
-                    break;
-                }
-                ctx.ui.setStatus(StatusPanel::Progress, "Writing " + name);
-                const std::string bytes =
-                    buildTestFile(job.family, job.kind, MakeRandomName(random), random);
-                if (r.step("Write " + name, [&] { writeFile(result.folder / name, bytes); }))
-                    result.written.push_back(name);
-                ++number;
-                ctx.ui.setProgress(++done);
-                ctx.ui.processEvents();
-            }
-        }
+        for (const auto& job : jobs) writeJob(r, job, random, result, done);
         ctx.ui.hideProgress();
         ctx.ui.setStatus(StatusPanel::Progress,
                          std::to_string(result.written.size()) + " test files written");
