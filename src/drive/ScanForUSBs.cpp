@@ -96,6 +96,71 @@ void countContent(Context& ctx, Routine& r) {
     ctx.ui.setStatus(StatusPanel::Progress, std::to_string(presets + recordings) + " items");
 }
 
+// The drive's identity as the volume query gives it; the drive stays unaccepted for now.
+bool readDrive(Context& ctx, Routine& r, const std::string& drive, const std::string& deviceId) {
+    Volumes& volumes = *ctx.volumes;
+    ThumbDriveState d;
+    d.letter = drive;
+    d.deviceId = deviceId;
+    VolumeInfo info;
+    const bool read = r.step("Read the volume information of drive " + drive, [&] {
+        d.driveType = static_cast<int>(volumes.driveType(drive));
+        d.root = volumes.rootPath(drive);
+        info = volumes.volumeInformation(drive);
+    });
+    if (!read) return false;
+    d.serialHex = hexUpper(info.serialNumber);
+    d.volumeName = info.volumeName;
+    d.fileSystem = info.fileSystemName;
+    d.fileSystemOk = d.fileSystem == "FAT" || d.fileSystem == "FAT32";  // exactly, case too
+    d.tavrinPresent = FolderExists(ctx, d.tavrinFolder());
+    ctx.state.drive = d;
+    showNoDrive(ctx);
+    enable(ctx.state, "btnRenameVol", false);
+    return true;
+}
+
+// Drive kind, file system and TAVRIN folder, repairing what the user agrees to.
+bool checkDrive(Context& ctx, Routine& r) {
+    ThumbDriveState& d = ctx.state.drive;
+    const auto type = static_cast<DriveType>(d.driveType);
+    const bool fit = (type == DriveType::Removable || type == DriveType::CdRom) && d.fileSystemOk &&
+                     d.tavrinPresent;
+    if (!fit) ctx.ui.setStatus(StatusPanel::Progress, "");  // no longer analyzing
+    if (type != DriveType::Removable && type != DriveType::CdRom) {
+        ctx.ui.inform(kProjectName, "The storage device attached is not USB or CD-ROM");
+        return false;
+    }
+    if (!d.fileSystemOk) {
+        if (DriveEmpty(ctx, d.root, ctx.volumes->systemEntries(d.letter))) {
+            if (offerFormat(ctx, d)) mnuFileFormat_Click(ctx);  // it scans again itself
+        } else {
+            ctx.ui.inform(kProjectName,
+                          "This Thumbdrive is NOT formatted correctly for use in a Tavrin Organ.");
+        }
+        return false;
+    }
+    if (d.tavrinPresent) return true;
+    if (!offerTavrinFolder(ctx)) return false;
+    const auto folder = d.tavrinFolder();
+    if (!r.step("Create " + pathToUtf8(folder), [&] { std::filesystem::create_directory(folder); }))
+        return false;
+    d.tavrinPresent = true;
+    return true;
+}
+
+void acceptDrive(Context& ctx, Routine& r) {
+    MainState& s = ctx.state;
+    enable(s, "btnRenameVol", true);
+    s.drive.present = enableForNamedDrive(ctx);
+    ctx.ui.setStatus(StatusPanel::Drive, driveStatusText(s.drive));
+    s.usbPattern = s.pattern;
+    if (ctx.settings.autoBackup && s.drive.present && autoBackupHook().run)
+        autoBackupHook().run(ctx);
+    countContent(ctx, r);
+    if (s.refreshLists) s.refreshLists();
+}
+
 }  // namespace
 
 AutoBackupHook& autoBackupHook() {
@@ -123,60 +188,9 @@ void ScanForUSBs(Context& ctx, const DeviceNotice* notice) {
             });
         }
         if (drive.empty()) return forgetDrive(ctx);
-        Volumes& volumes = *ctx.volumes;
         ctx.ui.setStatus(StatusPanel::Progress, "ANALYZING THUMBDRIVE, JUST A MOMENT...");
-
-        ThumbDriveState d;
-        d.letter = drive;
-        d.deviceId = deviceId;
-        VolumeInfo info;
-        const bool read = r.step("Read the volume information of drive " + drive, [&] {
-            d.driveType = static_cast<int>(volumes.driveType(drive));
-            d.root = volumes.rootPath(drive);
-            info = volumes.volumeInformation(drive);
-        });
-        if (!read) return forgetDrive(ctx);
-        d.serialHex = hexUpper(info.serialNumber);
-        d.volumeName = info.volumeName;
-        d.fileSystem = info.fileSystemName;
-        d.tavrinPresent = FolderExists(ctx, d.tavrinFolder());
-        ctx.state.drive = d;
-        showNoDrive(ctx);
-        enable(ctx.state, "btnRenameVol", false);
-
-        const auto type = static_cast<DriveType>(d.driveType);
-        if (type != DriveType::Removable && type != DriveType::CdRom) {
-            ctx.ui.inform(kProjectName, "The storage device attached is not USB or CD-ROM");
-            return ctx.ui.setStatus(StatusPanel::Progress, "");
-        }
-        ctx.state.drive.fileSystemOk = d.fileSystem == "FAT" || d.fileSystem == "FAT32";
-        if (!ctx.state.drive.fileSystemOk) {
-            ctx.ui.setStatus(StatusPanel::Progress, "");
-            if (DriveEmpty(ctx, d.root, volumes.systemEntries(drive))) {
-                if (offerFormat(ctx, d)) mnuFileFormat_Click(ctx);
-            } else {
-                ctx.ui.inform(kProjectName,
-                              "This Thumbdrive is NOT formatted correctly for use in a Tavrin "
-                              "Organ.");
-            }
-            return;
-        }
-        if (!d.tavrinPresent) {
-            if (!offerTavrinFolder(ctx)) return ctx.ui.setStatus(StatusPanel::Progress, "");
-            const bool made = r.step("Create " + pathToUtf8(d.tavrinFolder()),
-                                     [&] { std::filesystem::create_directory(d.tavrinFolder()); });
-            if (!made) return ctx.ui.setStatus(StatusPanel::Progress, "");
-            ctx.state.drive.tavrinPresent = true;
-        }
-
-        enable(ctx.state, "btnRenameVol", true);
-        ctx.state.drive.present = enableForNamedDrive(ctx);
-        ctx.ui.setStatus(StatusPanel::Drive, driveStatusText(ctx.state.drive));
-        ctx.state.usbPattern = ctx.state.pattern;
-        if (ctx.settings.autoBackup && ctx.state.drive.present && autoBackupHook().run)
-            autoBackupHook().run(ctx);
-        countContent(ctx, r);
-        if (ctx.state.refreshLists) ctx.state.refreshLists();
+        if (!readDrive(ctx, r, drive, deviceId)) return forgetDrive(ctx);
+        if (checkDrive(ctx, r)) acceptDrive(ctx, r);
     });
 }
 
