@@ -58,14 +58,16 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     update_ = new UpdateCheck(this);
     connect(update_, &UpdateCheck::pageLoaded, this,
             [this](const QString& location, const QString& title) {
-                command([&] {
-                    auto ctx = context();
-                    bzrMainDownloadComplete(ctx, us(location), us(title));
+                whenIdle([this, location, title] {
+                    command([&] {
+                        auto ctx = context();
+                        bzrMainDownloadComplete(ctx, us(location), us(title));
+                    });
                 });
             });
     devices_ = new DeviceWatch(volumes_, this);
     connect(devices_, &DeviceWatch::notice, this,
-            [this](const DeviceNotice& n) { scanForDrives(n); });
+            [this](const DeviceNotice& n) { whenIdle([this, n] { scanForDrives(n); }); });
     connectSignals();
     resize(1180, 760);
     applyEnabled();
@@ -198,6 +200,14 @@ void MainWindow::processEvents() {
 void MainWindow::beginCommand() {
     session_.state.busy = true;
     applyEnabled();
+}
+
+// Notices that arrive during a long command (a stick pulled mid-copy) wait for it to end
+// instead of being lost.
+void MainWindow::whenIdle(std::function<void()> work) {
+    if (!session_.state.busy) return work();
+    QTimer::singleShot(250, this,
+                       [this, work = std::move(work)]() mutable { whenIdle(std::move(work)); });
 }
 
 void MainWindow::endProgram(int exitCode) {

@@ -115,6 +115,7 @@ class MainWindow : public QMainWindow, public Interaction {
     void connectSignals();
     void activate();
     void beginCommand();
+    void whenIdle(std::function<void()> work);
     // Abort with the trace off, or an error with the trap off: the program ends at once,
     // without writing the settings.
     void endProgram(int exitCode);

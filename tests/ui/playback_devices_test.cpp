@@ -4,6 +4,7 @@
 #include <QLineEdit>
 
 #include "drive/Volumes.h"
+#include "ui/DeviceWatch.h"
 #include "ui/WindowFixture.h"
 
 namespace tvk::test {
@@ -96,7 +97,16 @@ TEST_F(PlaybackTest, PulledStickEmptiesTheList) {
     DeviceNotice removed;
     removed.kind = DeviceNotice::Kind::Removal;
     removed.drive = window->session().state.drive.letter;
-    window->scanForDrives(removed);
+    // The notice arrives while another command runs: it waits for that to end.
+    window->session().state.busy = true;
+    emit window->findChild<ui::DeviceWatch*>("SysInfo1")->notice(removed);
+    QApplication::processEvents();
+    EXPECT_TRUE(window->session().state.drive.present);
+    window->session().state.busy = false;
+    QElapsedTimer t;
+    t.start();
+    while (window->session().state.drive.present && t.elapsed() < 5000)
+        QApplication::processEvents(QEventLoop::AllEvents, 50);
     EXPECT_FALSE(window->session().state.drive.present);
     EXPECT_EQ(list("flbUSB")->count(), 0);
     EXPECT_TRUE(find<QLineEdit>("txtUSBPath")->text().isEmpty());
