@@ -156,6 +156,12 @@ TEST(DriveMountInfo, UdevDataGivesLabelAndSerialLikeTheBootSector) {
     EXPECT_EQ(props.at("ID_FS_VERSION"), "FAT32");
     EXPECT_EQ(props.count("disk/by-label/MY\\x20STICK"), 0u);
 
+    const VolumeProbe fromUdev = probeFromUdev(props, "vfat");
+    EXPECT_EQ(fromUdev.fileSystemName, "FAT32");
+    EXPECT_EQ(fromUdev.label, "MY STICK/A");
+    EXPECT_EQ(probeFromUdev({}, "vfat").fileSystemName, "FAT");
+    EXPECT_FALSE(probeFromUdev({}, "vfat").hasSerial);
+
     // The same stick must get the same mirror folder on both systems.
     TempTree tree;
     const auto probe = probeVolume(test::makeImage(tree, "v.img", {"fat32", 40, "S", "0A1B2C3D"}));
@@ -172,29 +178,42 @@ TEST(DriveMountInfo, UdevDataGivesLabelAndSerialLikeTheBootSector) {
         EXPECT_EQ(serialFromUuid(u.text), u.serial) << u.text;
 }
 
-TEST(DriveSysfs, PartitionsAndWholeDisksAreJudgedByTheirDisk) {
+TEST(DriveSysfs, RemovableVolumesAreJudgedByTheirDiskAndListedInDeviceOrder) {
     TempTree sys;
-    const auto device = [&](const std::string& path, const char* removable, bool partition) {
-        const auto dir = sys.mkdir(path);
+    // A sysfs device folder and its /sys/dev/block link, as the kernel lays them out.
+    const auto device = [&](const std::string& number, const std::string& path,
+                            const char* removable, bool partition) {
+        const auto dir = sys.mkdir("devices/" + path);
         const auto disk = partition ? dir.parent_path() : dir;
         test::writeFile(disk / "removable", std::string(removable) + "\n");
         if (partition) test::writeFile(dir / "partition", "1\n");
-        return dir;
+        sys.mkdir("dev/block");
+        std::filesystem::create_directory_symlink(dir, sys.path("dev/block/" + number));
     };
-    struct Case {
-        std::filesystem::path dir;
-        unsigned major;
-        DriveType type;
-    };
-    const Case cases[] = {
-        {device("devices/pci0/usb2/2-1/host6/block/sdb/sdb1", "0", true), 8, DriveType::Removable},
-        {device("devices/pci0/ata1/host0/block/sda/sda2", "0", true), 8, DriveType::Fixed},
-        {device("devices/pci0/ata2/host1/block/sdc", "1", false), 8, DriveType::Removable},
-        {device("devices/virtual/block/loop0", "0", false), 7, DriveType::Fixed},
-        {device("devices/pci0/ata3/block/sr0", "1", false), 11, DriveType::CdRom},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(blockDeviceType(c.dir, c.major), c.type) << pathToUtf8(c.dir);
+    device("8:33", "pci0/usb2/2-1/host6/block/sdc/sdc1", "0", true);  // USB, partition
+    device("8:2", "pci0/ata1/host0/block/sda/sda2", "0", true);       // internal disk
+    device("8:16", "pci0/ata2/host1/block/sdb", "1", false);          // removable, whole
+    device("7:0", "virtual/block/loop0", "0", false);
+    device("11:0", "pci0/ata3/block/sr0", "1", false);
+    device("65:161", "pci0/usb3/3-1/host9/block/sdaa/sdaa1", "1", true);
+    const auto mounts = parseMountInfo(
+        "30 1 8:2 / / rw - ext4 /dev/sda2 rw\n"
+        "31 30 8:33 / /media/u/ORGAN\\040STICK rw - vfat /dev/sdc1 rw\n"
+        "32 30 8:33 / /mnt/again rw - vfat /dev/sdc1 rw\n"
+        "33 30 8:16 /sub /mnt/bind rw - vfat /dev/sdb rw\n"
+        "34 30 8:16 / /media/u/WHOLE rw - vfat /dev/sdb rw\n"
+        "35 30 7:0 / /mnt/loop rw - vfat /dev/loop0 rw\n"
+        "36 30 11:0 / /media/cd ro - iso9660 /dev/sr0 ro\n"
+        "37 30 65:161 / /media/u/LAST rw - vfat /dev/sdaa1 rw\n"
+        "38 30 0:40 / /tmp/x rw - fuse.fusefat fusefat rw\n"
+        "39 30 8:99 / /media/u/GONE rw - vfat /dev/sdz1 rw\n");
+    std::vector<std::string> listed;
+    for (const auto& v : removableVolumes(mounts, sys.root()))
+        listed.push_back(v.id + " " + v.mount.mountPoint + " " +
+                         std::to_string(static_cast<int>(v.type)));
+    EXPECT_EQ(listed,
+              (std::vector<std::string>{"sdb /media/u/WHOLE 2", "sr0 /media/cd 5",
+                                        "sdc1 /media/u/ORGAN STICK 2", "sdaa1 /media/u/LAST 2"}));
 }
 
 TEST(DriveHelpers, NamesNumbersAndNotices) {

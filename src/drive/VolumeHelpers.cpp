@@ -22,6 +22,50 @@ DriveType blockDeviceType(const fs::path& sysfsDevice, unsigned major) {
     return flag == "1" || onUsb ? DriveType::Removable : DriveType::Fixed;
 }
 
+std::vector<SystemVolume> removableVolumes(const std::vector<MountEntry>& mounts,
+                                           const fs::path& sysRoot) {
+    std::vector<SystemVolume> found;
+    for (const auto& m : mounts) {
+        if (m.major == 0 || m.root != "/" || !startsWith(m.source, "/dev/")) continue;
+        const bool seen = std::any_of(found.begin(), found.end(), [&](const SystemVolume& v) {
+            return v.mount.major == m.major && v.mount.minor == m.minor;
+        });
+        if (seen) continue;
+        std::error_code ec;
+        const fs::path sys = fs::canonical(
+            sysRoot / "dev" / "block" / (std::to_string(m.major) + ":" + std::to_string(m.minor)),
+            ec);
+        if (ec) continue;
+        const DriveType type = blockDeviceType(sys, m.major);
+        if (type != DriveType::Removable && type != DriveType::CdRom) continue;
+        found.push_back({fileNameUtf8(sys), m, type});
+    }
+    std::sort(found.begin(), found.end(), [](const SystemVolume& a, const SystemVolume& b) {
+        return std::make_pair(a.id.size(), a.id) < std::make_pair(b.id.size(), b.id);
+    });
+    return found;
+}
+
+VolumeProbe probeFromUdev(const std::map<std::string, std::string>& udev,
+                          const std::string& mountType) {
+    const auto get = [&](const char* key) {
+        const auto it = udev.find(key);
+        return it == udev.end() ? std::string() : it->second;
+    };
+    VolumeProbe p;
+    const std::string type = get("ID_FS_TYPE").empty() ? mountType : get("ID_FS_TYPE");
+    p.fileSystemName = windowsFileSystemName(type, get("ID_FS_VERSION"));
+    if (p.fileSystemName == "FAT")
+        p.fatBits = toUpperAscii(get("ID_FS_VERSION")) == "FAT12" ? 12 : 16;
+    if (p.fileSystemName == "FAT32") p.fatBits = 32;
+    p.label = decodeUdevEscapes(get("ID_FS_LABEL_ENC"));
+    if (const auto serial = serialFromUuid(get("ID_FS_UUID"))) {
+        p.serialNumber = *serial;
+        p.hasSerial = true;
+    }
+    return p;
+}
+
 std::optional<std::uint32_t> serialFromUuid(const std::string& uuid) {
     std::string hex;
     for (const char c : uuid)

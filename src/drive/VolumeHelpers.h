@@ -3,11 +3,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "drive/MountInfo.h"
 #include "drive/VolumeProbe.h"
 #include "drive/Volumes.h"
 
@@ -16,6 +18,23 @@ namespace tvk {
 // The drive type of a block device from its sysfs folder: CD-ROM for SCSI CD drives,
 // removable when the parent disk says so or it hangs off a USB bus, else fixed.
 DriveType blockDeviceType(const std::filesystem::path& sysfsDevice, unsigned major);
+
+struct SystemVolume {
+    std::string id;  // the device's name, "sdb1"
+    MountEntry mount;
+    DriveType type = DriveType::Unknown;
+};
+
+// The removable volumes (and CD-ROMs) among the mounts, each device once, whole mounts
+// only, in the order of their device names ("sdb1" before "sdc1" before "sdaa1").
+// `sysRoot` is "/sys" but for tests.
+std::vector<SystemVolume> removableVolumes(const std::vector<MountEntry>& mounts,
+                                           const std::filesystem::path& sysRoot);
+
+// Label, serial number and file system as udev recorded them for a block device;
+// `mountType` stands in when udev has no type.
+VolumeProbe probeFromUdev(const std::map<std::string, std::string>& udev,
+                          const std::string& mountType);
 
 // The volume serial number from udev's ID_FS_UUID ("1234-ABCD" is 0x1234ABCD).
 std::optional<std::uint32_t> serialFromUuid(const std::string& uuid);

@@ -30,32 +30,8 @@ std::string readText(const fs::path& file) {
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-struct SystemVolume {
-    std::string id;  // the device's name, "sdb1"
-    MountEntry mount;
-    DriveType type = DriveType::Unknown;
-};
-
 std::vector<SystemVolume> systemVolumes() {
-    std::vector<SystemVolume> found;
-    for (const auto& m : parseMountInfo(readText("/proc/self/mountinfo"))) {
-        if (m.major == 0 || m.root != "/" || !startsWith(m.source, "/dev/")) continue;
-        const bool seen = std::any_of(found.begin(), found.end(), [&](const SystemVolume& v) {
-            return v.mount.major == m.major && v.mount.minor == m.minor;
-        });
-        if (seen) continue;
-        const std::string devNumber = std::to_string(m.major) + ":" + std::to_string(m.minor);
-        std::error_code ec;
-        const fs::path sys = fs::canonical("/sys/dev/block/" + devNumber, ec);
-        if (ec) continue;
-        const DriveType type = blockDeviceType(sys, m.major);
-        if (type != DriveType::Removable && type != DriveType::CdRom) continue;
-        found.push_back({fileNameUtf8(sys), m, type});
-    }
-    std::sort(found.begin(), found.end(), [](const SystemVolume& a, const SystemVolume& b) {
-        return std::make_pair(a.id.size(), a.id) < std::make_pair(b.id.size(), b.id);
-    });
-    return found;
+    return removableVolumes(parseMountInfo(readText("/proc/self/mountinfo")), "/sys");
 }
 
 std::optional<SystemVolume> systemVolume(const std::string& id) {
@@ -97,19 +73,7 @@ VolumeInfo systemVolumeInfo(const SystemVolume& v) {
     }
     const auto udev = parseUdevData(readText("/run/udev/data/b" + std::to_string(v.mount.major) +
                                              ":" + std::to_string(v.mount.minor)));
-    VolumeProbe p;
-    const auto get = [&](const char* key) {
-        const auto it = udev.find(key);
-        return it == udev.end() ? std::string() : it->second;
-    };
-    p.fileSystemName = windowsFileSystemName(
-        get("ID_FS_TYPE").empty() ? v.mount.fsType : get("ID_FS_TYPE"), get("ID_FS_VERSION"));
-    p.label = decodeUdevEscapes(get("ID_FS_LABEL_ENC"));
-    if (const auto serial = serialFromUuid(get("ID_FS_UUID"))) {
-        p.serialNumber = *serial;
-        p.hasSerial = true;
-    }
-    return fromProbe(p);
+    return fromProbe(probeFromUdev(udev, v.mount.fsType));
 }
 
 // gdbus takes its arguments as GVariant text.
