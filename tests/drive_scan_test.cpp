@@ -1,10 +1,15 @@
 // The thumbdrive scan: on real FAT, exFAT and ext4 images mounted through FUSE, and on
 // Windows-style drive letters for the cases this machine cannot have.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "app/Session.h"
 #include "app/Text.h"
+#include "drive/ImageDrives.h"
 #include "drive/ScanForUSBs.h"
 #include "drive/VolumeHelpers.h"
 #include "drive/VolumeProbe.h"
@@ -237,6 +242,40 @@ TEST(DriveScan, MountChangesArriveAsNotices) {
     EXPECT_EQ(notices[0].kind, DeviceNotice::Kind::Removal);
     EXPECT_EQ(notices[0].deviceId, pathToUtf8(image));
     EXPECT_FALSE(waitForNotices(volumes, 0));
+}
+
+TEST(DriveScan, MountsLeftByACrashedRunAreRemovedByTheNext) {
+    TVK_REQUIRE_FUSE();
+    TempTree tree;
+    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "CRASH", ""});
+    // tvk mounts the image, then waits at the NO TAVRIN FOLDER question and is killed.
+    int input[2];
+    ASSERT_EQ(pipe(input), 0);
+    const pid_t pid = fork();
+    if (pid == 0) {
+        dup2(input[0], 0);
+        const int quiet = open("/dev/null", O_WRONLY);
+        dup2(quiet, 1);
+        dup2(quiet, 2);
+        close(input[1]);
+        execl(TVK_CLI_PATH, "tvk", "scan", "--drive-image", image.c_str(), nullptr);
+        _exit(127);
+    }
+    close(input[0]);
+    const auto mountDir = imageMountFolder() / (std::to_string(pid) + "-1");
+    const auto mounted = [&] {
+        return test::readFile("/proc/self/mountinfo").find(" " + pathToUtf8(mountDir) + " ") !=
+               std::string::npos;
+    };
+    for (int i = 0; i < 250 && !mounted(); ++i) usleep(20000);
+    kill(pid, SIGKILL);
+    waitpid(pid, nullptr, 0);
+    close(input[1]);
+    ASSERT_TRUE(mounted());
+
+    makePlatformVolumes({{}, false});
+    EXPECT_FALSE(mounted());
+    EXPECT_FALSE(fs::exists(mountDir));
 }
 
 // Drive letters, as only Windows has them.

@@ -110,7 +110,11 @@ ImageDrive& ImageDrives::attach(const fs::path& image) {
     std::error_code ec;
     if (!fs::is_regular_file(image, ec)) throw RuntimeError(kErrFileNotFound, pathToUtf8(image));
     auto d = std::make_unique<ImageDrive>();
-    d->image = fs::absolute(image);
+    d->image = fs::weakly_canonical(image, ec);
+    // Two FUSE drivers writing one image would corrupt it.
+    for (const auto& other : drives_)
+        if (other->image == d->image)
+            throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(image) + " is attached already");
     ++counter_;
     d->id = "image" + std::to_string(counter_);
     const std::string stem = std::to_string(getpid()) + "-" + std::to_string(counter_);
@@ -185,8 +189,8 @@ void ImageDrives::cleanStale(const fs::path& folder) {
         if (!endsWith(name, ".image")) continue;
         const std::string stem = name.substr(0, name.size() - 6);
         const long pid = std::strtol(stem.c_str(), nullptr, 10);
-        if (pid <= 0 || (kill(static_cast<pid_t>(pid), 0) != 0 && errno != ESRCH)) continue;
-        if (kill(static_cast<pid_t>(pid), 0) == 0) continue;  // that run is still going
+        // Only runs that are gone: a live one (even another user's, EPERM) keeps its mounts.
+        if (pid <= 0 || kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH) continue;
         const fs::path dir = folder / stem;
         std::string record = readText(entry.path());
         const auto nl = record.find('\n');
