@@ -6,6 +6,19 @@
 
 namespace tvk::test {
 
+namespace {
+// What an unexpected box is answered with: never a Retry that could loop, never a Yes
+// that could change files.
+Answer cautiousAnswer(Buttons buttons) {
+    switch (buttons) {
+        case Buttons::Ok: return Answer::Ok;
+        case Buttons::AbortRetryIgnore: return Answer::Abort;
+        case Buttons::YesNo: return Answer::No;
+        default: return Answer::Cancel;
+    }
+}
+}  // namespace
+
 ScriptedInteraction& ScriptedInteraction::expect(std::string title, Answer answer) {
     boxes_.push_back({std::move(title), answer});
     return *this;
@@ -20,9 +33,12 @@ ScriptedInteraction& ScriptedInteraction::expectPrompt(std::string title,
 Answer ScriptedInteraction::message(const Message& box) {
     shown.push_back(box);
     if (boxes_.empty()) {
-        if (!lenient)
+        if (!lenient) {
             ADD_FAILURE() << "unexpected box [" << box.title << "] " << toDisplayLines(box.text);
-        return box.defaultAnswer();
+            return cautiousAnswer(box.buttons);
+        }
+        // The error box's default is Retry, which would repeat a failing step for ever.
+        return box.buttons == Buttons::AbortRetryIgnore ? Answer::Ignore : box.defaultAnswer();
     }
     const Box next = boxes_.front();
     boxes_.pop_front();

@@ -17,7 +17,8 @@ public:
     // The next box must carry this title; it is answered with `answer`.
     ScriptedInteraction& expect(std::string title, Answer answer = Answer::Ok);
     ScriptedInteraction& expectPrompt(std::string title, std::optional<std::string> answer);
-    // Boxes not in the script are answered with their default instead of failing.
+    // Boxes not in the script are answered with their default (Ignore for the error box)
+    // instead of failing the test; otherwise they fail it and get the cautious answer.
     bool lenient = false;
 
     Answer message(const Message& box) override;
