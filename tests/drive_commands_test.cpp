@@ -93,7 +93,7 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
     };
     const Case cases[] = {
         {{"fat32", 80, "FULL STICK", ""}, true, Answer::Yes, "FAT32"},
-        {{"fat16", 32, "EMPTY", ""}, false, Answer::Yes, "FAT"},
+        {{"fat16", 32, "EMPTY STICK", ""}, false, Answer::Yes, "FAT"},
         {{"fat16", 32, "KEEP ME", ""}, true, Answer::No, "FAT"},
     };
     for (const auto& c : cases) {
@@ -106,7 +106,8 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
             fs::create_directory(drives.root() / "TAVRIN");
             test::writeFile(drives.root() / "TAVRIN" / "SUPSET01.LPG", "x");
         } else {
-            // Only the label entry the FUSE driver shows is there, which does not count.
+            // Only the label entry the FUSE driver shows ("EMPTYST.ICK") is there, which
+            // does not count.
             drives.ui.expect("NO TAVRIN FOLDER", Answer::No);
         }
         ScanForUSBs(ctx);

@@ -122,40 +122,32 @@ TEST(DriveScan, MissingTavrinFolderIsCreatedOnlyWhenTheUserSaysYes) {
     }
 }
 
-TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOff) {
+TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOffAndIsNotBackedUp) {
     TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"fat32", 40, "", ""});
-    fillTavrin(tree, image, {});
-    ImageDriveContext drives({image});
-    Context ctx = drives.ctx();
-    ctx.settings.autoBackup = true;
-    int backups = 0;
-    autoBackupHook().run = [&](Context&) { ++backups; };
-    drives.ui.expect("TVK");
-    ScanForUSBs(ctx);
-    autoBackupHook().run = nullptr;
-    EXPECT_EQ(drives.ui.shown.at(0).text, "The attached thumbdrive needs a Volume Name.");
-    EXPECT_EQ(transferButtons(ctx.state), std::vector<bool>(5, false));
-    EXPECT_TRUE(ctx.state.isEnabled("btnRenameVol"));
-    EXPECT_EQ(backups, 0);
-}
-
-TEST(DriveScan, AutoBackupRunsOnceForAnAcceptedStick) {
-    TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "BACKUP", ""});
-    fillTavrin(tree, image, {});
-    ImageDriveContext drives({image});
-    Context ctx = drives.ctx();
-    std::vector<bool> runs;
-    autoBackupHook().run = [&](Context& c) { runs.push_back(c.state.drive.present); };
-    for (const bool setting : {false, true}) {
-        ctx.settings.autoBackup = setting;
+    struct Case {
+        std::string label;
+        bool autoBackup;
+        int backups;
+    };
+    for (const Case& c : {Case{"", true, 0}, Case{"BACKUP", false, 0}, Case{"BACKUP", true, 1}}) {
+        SCOPED_TRACE(c.label + (c.autoBackup ? " auto" : ""));
+        TempTree tree;
+        const auto image = test::makeImage(tree, "stick.img", {"fat32", 40, c.label, ""});
+        fillTavrin(tree, image, {});
+        ImageDriveContext drives({image});
+        Context ctx = drives.ctx();
+        ctx.settings.autoBackup = c.autoBackup;
+        int backups = 0;
+        autoBackupHook().run = [&](Context& hooked) { backups += hooked.state.drive.present; };
+        if (c.label.empty()) drives.ui.expect("TVK");
         ScanForUSBs(ctx);
+        autoBackupHook().run = nullptr;
+        EXPECT_EQ(backups, c.backups);
+        EXPECT_TRUE(ctx.state.isEnabled("btnRenameVol"));
+        if (!c.label.empty()) continue;
+        EXPECT_EQ(drives.ui.shown.at(0).text, "The attached thumbdrive needs a Volume Name.");
+        EXPECT_EQ(transferButtons(ctx.state), std::vector<bool>(5, false));
     }
-    autoBackupHook().run = nullptr;
-    EXPECT_EQ(runs, std::vector<bool>{true});
 }
 
 TEST(DriveScan, OtherFileSystemsAreOfferedAFormatOnlyWhenEmpty) {
@@ -362,16 +354,6 @@ TEST_F(LetterScan, UnreadableVolumeGoesToTheErrorHandler) {
     EXPECT_NE(ui.shown.at(0).text.find("ScanForUSBs"), std::string::npos);
     EXPECT_EQ(c.state.drive.letter, "");
     EXPECT_EQ(c.state.usbPattern, "*.nothing");
-}
-
-TEST_F(LetterScan, NoDriveAtAllClearsTheList) {
-    Context c = ctx();
-    c.state.usbPattern = "*.*";
-    c.state.enabled[controlName("btnUSB_Docs", 0)] = true;
-    ScanForUSBs(c);
-    EXPECT_EQ(c.state.usbPattern, "*.nothing");
-    EXPECT_FALSE(c.state.isEnabled(controlName("btnUSB_Docs", 0)));
-    EXPECT_TRUE(ui.shown.empty());
 }
 
 }  // namespace
