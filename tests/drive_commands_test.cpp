@@ -86,7 +86,7 @@ TEST(VolumeRename, RefusedLabelIsReportedAndTheOldOneStays) {
 TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
     TVK_REQUIRE_FUSE();
     struct Case {
-        test::ImageSpec spec;
+        test::ImageRecipe recipe;
         bool holdsFiles;
         Answer answer;
         std::string fileSystemAfter;
@@ -97,9 +97,9 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
         {{"fat16", 32, "KEEP ME", ""}, true, Answer::No, "FAT"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.spec.label);
+        SCOPED_TRACE(c.recipe.label);
         TempTree tree;
-        const auto image = test::makeImage(tree, "stick.img", c.spec);
+        const auto image = test::makeImage(tree, "stick.img", c.recipe);
         ImageDriveContext drives({image});
         Context ctx = drives.ctx();
         if (c.holdsFiles) {
@@ -119,7 +119,7 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
         EXPECT_TRUE(drives.ui.done());
         const Message& box = drives.ui.shown.at(0);
         const std::string where =
-            "Drive: " + pathToUtf8(drives.root()) + "    VolumeName: " + c.spec.label;
+            "Drive: " + pathToUtf8(drives.root()) + "    VolumeName: " + c.recipe.label;
         EXPECT_EQ(box.text,
                   c.holdsFiles
                       ? "YOU ARE ABOUT TO FORMAT THIS THUMBDRIVE\rThis thumbdrive it NOT EMPTY.\r"
@@ -131,7 +131,7 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
         EXPECT_EQ(box.defaultAnswer(), Answer::No);
         const auto after = probeVolume(image);
         EXPECT_EQ(after->fileSystemName, c.fileSystemAfter);
-        EXPECT_EQ(after->label, c.spec.label);
+        EXPECT_EQ(after->label, c.recipe.label);
         const bool formatted = c.answer == Answer::Yes;
         EXPECT_EQ(after->serialNumber != serialBefore, formatted);
         EXPECT_EQ(fs::exists(drives.root() / "TAVRIN" / "SUPSET01.LPG"),

@@ -16,7 +16,7 @@
 namespace tvk {
 namespace {
 
-using test::ImageSpec;
+using test::ImageRecipe;
 using test::TempTree;
 
 void patchByte(const std::filesystem::path& image, std::streamoff at, char value) {
@@ -38,7 +38,7 @@ std::streamoff labelEntryOffset(const std::filesystem::path& image, const std::s
 
 TEST(DriveProbe, FatImagesGiveTypeLabelAndSerialAsWindowsReadsThem) {
     struct Case {
-        ImageSpec spec;
+        ImageRecipe recipe;
         std::string fileSystem;
         int bits;
         std::string serialHex;  // as the mirror folder's name carries it
@@ -52,13 +52,13 @@ TEST(DriveProbe, FatImagesGiveTypeLabelAndSerialAsWindowsReadsThem) {
     };
     TempTree tree;
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.spec.kind + " " + c.spec.label);
-        const auto probe = probeVolume(test::makeImage(tree, "v.img", c.spec));
+        SCOPED_TRACE(c.recipe.kind + " " + c.recipe.label);
+        const auto probe = probeVolume(test::makeImage(tree, "v.img", c.recipe));
         ASSERT_TRUE(probe);
         EXPECT_EQ(probe->fileSystemName, c.fileSystem);
         EXPECT_EQ(probe->fatBits, c.bits);
         // No label entry means no label, though the boot sector says "NO NAME".
-        EXPECT_EQ(probe->label, c.spec.label);
+        EXPECT_EQ(probe->label, c.recipe.label);
         EXPECT_EQ(hexUpper(probe->serialNumber), c.serialHex);
         std::filesystem::remove(tree.path("v.img"));
     }

@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::ImageDriveContext;
-using test::ImageSpec;
+using test::ImageRecipe;
 using test::TempTree;
 
 // Puts a TAVRIN folder holding the given files into a FAT image before it is mounted.
@@ -51,7 +51,7 @@ std::vector<bool> transferButtons(const MainState& s) {
 TEST(DriveScan, AcceptedFatSticksEnableTheirCommands) {
     TVK_REQUIRE_FUSE();
     struct Case {
-        ImageSpec spec;
+        ImageRecipe recipe;
         std::vector<std::string> files;
         bool mirrorFolder;
         std::string fileSystem, serialHex, items;
@@ -74,14 +74,14 @@ TEST(DriveScan, AcceptedFatSticksEnableTheirCommands) {
          {true, true, true, true, true}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.spec.kind);
+        SCOPED_TRACE(c.recipe.kind);
         TempTree tree;
-        const auto image = test::makeImage(tree, "stick.img", c.spec);
+        const auto image = test::makeImage(tree, "stick.img", c.recipe);
         fillTavrin(tree, image, c.files);
         ImageDriveContext drives({image});
         if (c.mirrorFolder)
             fs::create_directories(drives.session->paths.libraryRoot /
-                                   mirrorFolderName(c.spec.label, c.serialHex));
+                                   mirrorFolderName(c.recipe.label, c.serialHex));
         Context ctx = drives.ctx();
         ctx.state.pattern = "*.*";
         ScanForUSBs(ctx);
@@ -91,7 +91,7 @@ TEST(DriveScan, AcceptedFatSticksEnableTheirCommands) {
         EXPECT_TRUE(d.present);
         EXPECT_EQ(d.fileSystem, c.fileSystem);
         EXPECT_EQ(d.root, drives.root());
-        EXPECT_EQ(drives.ui.status[StatusPanel::Drive], "Volume Name: " + c.spec.label +
+        EXPECT_EQ(drives.ui.status[StatusPanel::Drive], "Volume Name: " + c.recipe.label +
                                                             "  Serial Number:" + c.serialHex +
                                                             "  DevID:" + pathToUtf8(image));
         EXPECT_EQ(drives.ui.status[StatusPanel::Progress], c.items);
@@ -153,7 +153,7 @@ TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOffAndIsNotBackedUp) {
 TEST(DriveScan, OtherFileSystemsAreOfferedAFormatOnlyWhenEmpty) {
     TVK_REQUIRE_FUSE();
     struct Case {
-        ImageSpec spec;
+        ImageRecipe recipe;
         std::string fileSystem;
         bool holdsFiles;
     };
@@ -161,9 +161,9 @@ TEST(DriveScan, OtherFileSystemsAreOfferedAFormatOnlyWhenEmpty) {
                           {{"ext4", 8, "LINUX", ""}, "ext4", false},
                           {{"exfat", 20, "EXSTICK", ""}, "exFAT", true}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.spec.kind + (c.holdsFiles ? " with files" : " empty"));
+        SCOPED_TRACE(c.recipe.kind + (c.holdsFiles ? " with files" : " empty"));
         TempTree tree;
-        const auto image = test::makeImage(tree, "stick.img", c.spec);
+        const auto image = test::makeImage(tree, "stick.img", c.recipe);
         ImageDriveContext drives({image});
         Context ctx = drives.ctx();
         if (c.holdsFiles) test::writeFile(drives.root() / "song.mp3", "x");

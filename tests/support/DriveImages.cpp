@@ -9,20 +9,20 @@
 namespace tvk::test {
 
 std::filesystem::path makeImage(const TempTree& tree, const std::string& name,
-                                const ImageSpec& spec) {
+                                const ImageRecipe& recipe) {
     const auto image = tree.path(name);
     std::string command =
-        "truncate -s " + std::to_string(spec.sizeMiB) + "M '" + pathToUtf8(image) + "' && ";
-    if (startsWith(spec.kind, "fat")) {
-        command += "mkfs.fat -F " + spec.kind.substr(3);
-        if (!spec.label.empty()) command += " -n '" + spec.label + "'";
-        if (!spec.serialHex.empty()) command += " -i " + spec.serialHex;
-    } else if (spec.kind == "exfat") {
+        "truncate -s " + std::to_string(recipe.sizeMiB) + "M '" + pathToUtf8(image) + "' && ";
+    if (startsWith(recipe.kind, "fat")) {
+        command += "mkfs.fat -F " + recipe.kind.substr(3);
+        if (!recipe.label.empty()) command += " -n '" + recipe.label + "'";
+        if (!recipe.serialHex.empty()) command += " -i " + recipe.serialHex;
+    } else if (recipe.kind == "exfat") {
         command += "mkfs.exfat";
-        if (!spec.label.empty()) command += " -L '" + spec.label + "'";
+        if (!recipe.label.empty()) command += " -L '" + recipe.label + "'";
     } else {
         command += "mkfs.ext4 -q";
-        if (!spec.label.empty()) command += " -L '" + spec.label + "'";
+        if (!recipe.label.empty()) command += " -L '" + recipe.label + "'";
     }
     command += " '" + pathToUtf8(image) + "'";
     std::string output;

@@ -14,7 +14,7 @@
 
 namespace tvk::test {
 
-struct ImageSpec {
+struct ImageRecipe {
     std::string kind = "fat16";  // "fat12", "fat16", "fat32", "exfat", "ext4"
     int sizeMiB = 32;
     std::string label;      // none when empty
@@ -23,7 +23,7 @@ struct ImageSpec {
 
 // Makes a sparse image file; fails the test when the mkfs tool fails.
 std::filesystem::path makeImage(const TempTree& tree, const std::string& name,
-                                const ImageSpec& spec);
+                                const ImageRecipe& recipe);
 
 // Why FUSE images cannot be mounted here, or empty when they can.
 std::string fuseUnavailableReason();
