@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include <QApplication>
+#include <QScreen>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QInputDialog>
@@ -84,7 +85,9 @@ bool MainWindow::load() {
     const auto& s = session_.settings;
     if (s.remWinPosit && s.windows[0].width > 0 && s.windows[0].height > 0) {
         const auto& w = s.windows[0];
-        setGeometry(w.left, w.top, w.width, w.height);
+        const QRect saved(w.left, w.top, w.width, w.height);
+        // A position on a screen that is no longer attached would hide the window.
+        if (QGuiApplication::screenAt(saved.center())) setGeometry(saved);
     }
     applyListColors();
     dirDocs_->setRoot(session_.paths.libraryRoot);

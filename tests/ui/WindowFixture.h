@@ -48,7 +48,8 @@ struct WindowFixture : ::testing::Test {
     FakeSystem* system = nullptr;
     std::unique_ptr<ui::MainWindow> window;
 
-    void SetUp() override {
+    // A window on this test's library, as a fresh start of the program would make it.
+    std::unique_ptr<ui::MainWindow> makeWindow() {
         auto fake = std::make_unique<FakeSystem>();
         system = fake.get();
         fake->documents = tree.mkdir("Documents");
@@ -60,8 +61,12 @@ struct WindowFixture : ::testing::Test {
         ui::MainWindowOptions options;
         options.system = std::move(fake);
         options.updateUrl = QUrl("http://127.0.0.1:9/TVK/TVK.ver");
-        window = std::make_unique<ui::MainWindow>(std::move(options));
-        window->setBoxesTo(&ui);
+        auto w = std::make_unique<ui::MainWindow>(std::move(options));
+        w->setBoxesTo(&ui);
+        return w;
+    }
+    void SetUp() override {
+        window = makeWindow();
         ASSERT_TRUE(window->load());
     }
     void TearDown() override {

@@ -307,13 +307,25 @@ TEST_F(MainWindowTest, HelpSaysWhereTheMissingManualShouldBe) {
     EXPECT_EQ(system->opened.back(), tree.path("prog/User's Manual.pdf"));
 }
 
-TEST_F(MainWindowTest, UnloadRemembersThePositionWhenAsked) {
-    window->session().settings.remWinPosit = true;
-    window->setGeometry(40, 50, 900, 600);
-    window->close();
-    const auto ini = readFile(library() / "TVK.ini");
-    EXPECT_NE(ini.find("[WINDOW POSITIONS]"), std::string::npos);
-    EXPECT_NE(ini.find("Win Width=900"), std::string::npos);
+TEST_F(MainWindowTest, UnloadRemembersThePositionAndTheNextStartUsesIt) {
+    struct Case {
+        QRect saved;
+        bool restored;
+    };
+    // The second one lies on no screen and must not hide the window.
+    for (const Case c : {Case{{40, 50, 700, 500}, true}, Case{{20000, 20000, 700, 500}, false}}) {
+        window->session().settings.remWinPosit = true;
+        window->setGeometry(c.saved);
+        const QRect before = window->geometry();
+        window->close();
+        const auto ini = readFile(library() / "TVK.ini");
+        EXPECT_NE(ini.find("[WINDOW POSITIONS]"), std::string::npos);
+        EXPECT_NE(ini.find("Win Width=" + std::to_string(before.width())), std::string::npos);
+
+        window = makeWindow();
+        ASSERT_TRUE(window->load());
+        EXPECT_EQ(window->geometry() == before, c.restored);
+    }
 }
 
 }  // namespace
