@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "app/Clock.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "app/Version.h"
@@ -10,14 +11,7 @@
 namespace tvk {
 
 std::tm Trace::localNow() {
-    const std::time_t t = std::time(nullptr);
-    std::tm out{};
-#ifdef _WIN32
-    localtime_s(&out, &t);
-#else
-    localtime_r(&t, &out);
-#endif
-    return out;
+    return localTime(std::time(nullptr));
 }
 
 Trace::Trace(Clock clock) : clock_(std::move(clock)) {}

@@ -4,30 +4,32 @@
 #include <filesystem>
 #include <vector>
 
+#include "app/Clock.h"
 #include "app/Routine.h"
 #include "app/Text.h"
 #include "mp3/cMP3Info.h"
 #include "organfiles/FileLayout.h"
+#include "organfiles/OrganFile.h"
 
 namespace tvk {
 
 namespace {
-
-std::tm localTime(std::time_t t) {
-    std::tm tm{};
-#ifdef _WIN32
-    localtime_s(&tm, &t);
-#else
-    localtime_r(&t, &tm);
-#endif
-    return tm;
-}
 
 std::string modifiedText(const std::filesystem::path& file) {
     using namespace std::chrono;
     const auto written = std::filesystem::last_write_time(file);
     const auto system = time_point_cast<system_clock::duration>(file_clock::to_sys(written));
     return usDateTime(localTime(system_clock::to_time_t(system)));
+}
+
+constexpr const char* kNoHeader = "unknown (no TAVRN header)";
+
+bool hasOrganHeader(const std::filesystem::path& file) {
+    try {
+        return readFirstLine(file).find(kBrandMark) != std::string::npos;
+    } catch (const RuntimeError&) {
+        return false;
+    }
 }
 
 std::string joinLines(const std::vector<std::string>& lines) {
@@ -73,7 +75,10 @@ std::string DisplayFileInfo(Context& ctx, const std::filesystem::path& file) {
         const std::string kind = utf8ToUpper(utf8Right(fileName, 2));
         std::vector<std::string> lines;
         if (kind == "PG" || kind == "MR") {
-            lines.push_back("File Version: " + GetFileVersion(ctx, file));
+            // A picture or a damaged preset has no organ header: say so rather than
+            // raise the error box for a click.
+            lines.push_back("File Version: " + (hasOrganHeader(file) ? GetFileVersion(ctx, file)
+                                                                     : std::string(kNoHeader)));
             lines.push_back((kind == "PG" ? "Preset Name: " : "Song Name: ") +
                             GetPresetName(ctx, file));
             lines.push_back("Modified: " + modified);
