@@ -12,6 +12,7 @@
 #include "app/Text.h"
 #include "drive/MountInfo.h"
 #include "drive/Process.h"
+#include "drive/VolumeHelpers.h"
 
 namespace tvk {
 
@@ -19,14 +20,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string readText(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 bool isMountPoint(const fs::path& dir) {
     const std::string wanted = pathToUtf8(dir);
-    for (const auto& m : parseMountInfo(readText("/proc/self/mountinfo")))
+    for (const auto& m : parseMountInfo(readTextFile("/proc/self/mountinfo")))
         if (m.mountPoint == wanted) return true;
     return false;
 }
@@ -192,7 +188,7 @@ void ImageDrives::cleanStale(const fs::path& folder) {
         // Only runs that are gone: a live one (even another user's, EPERM) keeps its mounts.
         if (pid <= 0 || kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH) continue;
         const fs::path dir = folder / stem;
-        std::string record = readText(entry.path());
+        std::string record = readTextFile(entry.path());
         const auto nl = record.find('\n');
         const std::string loop =
             nl == std::string::npos ? "" : trimWhitespace(record.substr(nl + 1));

@@ -2,12 +2,18 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 
 #include "app/Text.h"
 
 namespace tvk {
 
 namespace fs = std::filesystem;
+
+std::string readTextFile(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
 
 DriveType blockDeviceType(const fs::path& sysfsDevice, unsigned major) {
     constexpr unsigned kScsiCdMajor = 11;

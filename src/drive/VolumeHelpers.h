@@ -15,6 +15,9 @@
 
 namespace tvk {
 
+// A small system file's text (/proc, /sys, udev data); empty when it cannot be read.
+std::string readTextFile(const std::filesystem::path& file);
+
 // The drive type of a block device from its sysfs folder: CD-ROM for SCSI CD drives,
 // removable when the parent disk says so or it hangs off a USB bus, else fixed.
 DriveType blockDeviceType(const std::filesystem::path& sysfsDevice, unsigned major);

@@ -25,13 +25,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string readText(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 std::vector<SystemVolume> systemVolumes() {
-    return removableVolumes(parseMountInfo(readText("/proc/self/mountinfo")), "/sys");
+    return removableVolumes(parseMountInfo(readTextFile("/proc/self/mountinfo")), "/sys");
 }
 
 std::optional<SystemVolume> systemVolume(const std::string& id) {
@@ -71,8 +66,8 @@ VolumeInfo systemVolumeInfo(const SystemVolume& v) {
     } catch (const RuntimeError&) {
         // Fall back to what udev recorded when it saw the device.
     }
-    const auto udev = parseUdevData(readText("/run/udev/data/b" + std::to_string(v.mount.major) +
-                                             ":" + std::to_string(v.mount.minor)));
+    const auto udev = parseUdevData(readTextFile(
+        "/run/udev/data/b" + std::to_string(v.mount.major) + ":" + std::to_string(v.mount.minor)));
     return fromProbe(probeFromUdev(udev, v.mount.fsType));
 }
 
