@@ -262,7 +262,7 @@ TEST_F(MainWindowTest, DoubleClickOpensTheViewerOrSaysWhatIsWrong) {
 }
 
 TEST_F(MainWindowTest, AbortWithoutTraceEndsWithoutWritingSettings) {
-    libraryFile("Broken.SPG", "no header here");
+    libraryFile("Broken.SPG", "TAVRN mark but no version field");  // Err#13 on a click
     window->refreshAll();
     const auto before = readFile(library() / "TVK.ini");
     window->session().settings.autoBackup = true;  // would be written by a normal close
