@@ -5,11 +5,8 @@
 
 #include <chrono>
 
-#include "app/Session.h"
 #include "organfiles/DisplayFileInfo.h"
-#include "support/FakeSystem.h"
-#include "support/ScriptedInteraction.h"
-#include "support/TempTree.h"
+#include "support/SessionTest.h"
 
 namespace tvk {
 namespace {
@@ -48,12 +45,7 @@ TEST(FileInfoText, DatesAndSizes) {
     for (const auto& [bytes, text] : mb) EXPECT_EQ(megabytesText(bytes), text) << bytes;
 }
 
-struct FileInfo : ::testing::Test {
-    test::TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
-
+struct FileInfo : test::SessionTest {
     std::filesystem::path make(const std::string& name, std::string bytes, std::size_t size) {
         bytes.resize(std::max(size, bytes.size()), '\0');
         const auto file = tree.write(name, bytes);

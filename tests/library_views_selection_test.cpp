@@ -2,12 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "app/Session.h"
 #include "library/Selection.h"
 #include "organfiles/MakeFiles.h"
-#include "support/FakeSystem.h"
-#include "support/ScriptedInteraction.h"
-#include "support/TempTree.h"
+#include "support/SessionTest.h"
 
 namespace tvk {
 namespace {
@@ -18,12 +15,7 @@ std::string presetBytes() {
     return buildTestFile(Series::A, FileKind::Preset, "Waltz", random);
 }
 
-struct SelectionFixture : ::testing::Test {
-    test::TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
-
+struct SelectionFixture : test::SessionTest {
     ListClick click(std::vector<std::string> selected, std::size_t total = 10) {
         ListClick c;
         c.list = "flbDocs";

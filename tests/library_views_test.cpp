@@ -5,11 +5,8 @@
 #include <set>
 
 #include "app/PlainFiles.h"
-#include "app/Session.h"
 #include "library/CategoryViews.h"
-#include "support/FakeSystem.h"
-#include "support/ScriptedInteraction.h"
-#include "support/TempTree.h"
+#include "support/SessionTest.h"
 
 namespace tvk {
 namespace {
@@ -22,11 +19,7 @@ const std::vector<std::string> kFiles = {
     "ESONG001.EMR", "Waltz.SPG",    "Waltz.APG", "Waltz.EPG",     "Song.SMR",      "Song.AMR",
     "Song.EMR",     "tune.mp3",     "tune.MID",  "photo.jpg",     "notes.txt"};
 
-struct ViewsFixture : ::testing::Test {
-    test::TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
+struct ViewsFixture : test::SessionTest {
     int refreshes = 0;
 
     ViewsFixture() {

@@ -6,10 +6,8 @@
 #include <random>
 #include <sstream>
 
-#include "app/Session.h"
 #include "mp3/cMP3Info.h"
-#include "support/FakeSystem.h"
-#include "support/ScriptedInteraction.h"
+#include "support/SessionTest.h"
 #include "support/TempTree.h"
 
 namespace tvk {
@@ -96,11 +94,7 @@ std::map<std::string, std::string> probe(const std::filesystem::path& file) {
     return values;
 }
 
-struct Mp3Info : ::testing::Test {
-    test::TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
+struct Mp3Info : test::SessionTest {
     void SetUp() override {
         if (!media().ok) GTEST_SKIP() << media().why;
     }
@@ -169,11 +163,7 @@ std::string frames(std::string head, std::size_t size, std::string lead = {}) {
     return bytes;
 }
 
-struct Mp3Headers : ::testing::Test {
-    test::TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
+struct Mp3Headers : test::SessionTest {
     cMP3Info read(const std::string& bytes) {
         cMP3Info m(ctx);
         m.LetFilename(tree.write("h.mp3", bytes));

@@ -6,12 +6,10 @@
 #include <random>
 
 #include "app/RuntimeError.h"
-#include "app/Session.h"
 #include "organfiles/FileLayout.h"
 #include "organfiles/MakeFiles.h"
 #include "organfiles/OrganFile.h"
-#include "support/FakeSystem.h"
-#include "support/ScriptedInteraction.h"
+#include "support/SessionTest.h"
 #include "support/TempTree.h"
 
 namespace tvk {
@@ -25,7 +23,9 @@ std::string padded(std::string text, std::size_t width = 16) {
     return text;
 }
 
-TEST(OrganLayout, CalcAddress) {
+struct OrganLayoutRoutines : test::SessionTest {};
+
+TEST_F(OrganLayoutRoutines, CalcAddress) {
     struct Case {
         const char* family;
         const char* kind;
@@ -55,9 +55,6 @@ TEST(OrganLayout, CalcAddress) {
         {"S", "PRESET", "", 0},
         {"A", "PRESET", "B", 1027 + 11 * 610},  // no number reads as 0
     };
-    test::ScriptedInteraction ui;
-    Session session(std::make_unique<test::FakeSystem>(), ui);
-    Context ctx = session.context();
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.family) + " " + c.kind + " " + c.button);
         EXPECT_EQ(calcAddress(c.family, c.kind, c.button), c.position);
@@ -113,13 +110,6 @@ TEST(OrganLayout, ReadsVersionAndNameFromOddFiles) {
         readPresetName(tree.write("long.SPG", header() + padded("N") + std::string(40000, 'x'))),
         "N");
 }
-
-struct OrganLayoutRoutines : ::testing::Test {
-    test::TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
-};
 
 TEST_F(OrganLayoutRoutines, FailuresGoThroughTheErrorHandler) {
     const auto noMark = tree.write("nomark.LPG", "Just some text\r\n");

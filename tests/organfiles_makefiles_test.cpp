@@ -3,22 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include "app/Session.h"
 #include "organfiles/MakeFiles.h"
 #include "organfiles/OrganFile.h"
-#include "support/FakeSystem.h"
-#include "support/ScriptedInteraction.h"
-#include "support/TempTree.h"
+#include "support/SessionTest.h"
 
 namespace tvk {
 namespace {
 
-struct OrganMakeFiles : ::testing::Test {
-    test::TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
-};
+struct OrganMakeFiles : test::SessionTest {};
 
 TEST(OrganMakeFilesNames, RandomTextsAreSeededAndFit) {
     RandomSource a(42), b(42);

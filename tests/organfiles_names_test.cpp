@@ -3,11 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "app/Session.h"
 #include "organfiles/AnalyzeContent.h"
 #include "organfiles/OrganNames.h"
-#include "support/FakeSystem.h"
-#include "support/ScriptedInteraction.h"
+#include "support/SessionTest.h"
 #include "support/TempTree.h"
 
 namespace tvk {
@@ -117,7 +115,9 @@ TEST(OrganNames, DuplicateNames) {
     EXPECT_EQ(freeDuplicateName(tree.root(), "ESONG004.EMR", 5), "ESONG004 (5).EMR");
 }
 
-TEST(OrganNames, CheckNameSwapsTheNineCharacters) {
+using OrganNamesCtx = test::SessionTest;
+
+TEST_F(OrganNamesCtx, CheckNameSwapsTheNineCharacters) {
     const std::pair<const char*, const char*> cases[] = {
         {"A/B:C?", "A\u00D8B\u00A8C\u00BF"},
         {"\\/:*?\"<>|", "\u00D1\u00D8\u00A8\u00A4\u00BF\u00BA\u00AB\u00BB\u00A6"},
@@ -126,9 +126,6 @@ TEST(OrganNames, CheckNameSwapsTheNineCharacters) {
         {"tab\there", "tab\there"},
         {"", ""},
     };
-    test::ScriptedInteraction ui;
-    Session session(std::make_unique<test::FakeSystem>(), ui);
-    Context ctx = session.context();
     for (const auto& [in, out] : cases) {
         EXPECT_EQ(checkName(in), out) << in;
         EXPECT_EQ(CheckName(ctx, in), out) << in;
@@ -136,11 +133,7 @@ TEST(OrganNames, CheckNameSwapsTheNineCharacters) {
     EXPECT_TRUE(ui.shown.empty());
 }
 
-struct OrganAnalyzeContent : ::testing::Test {
-    test::TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
+struct OrganAnalyzeContent : test::SessionTest {
     OrganAnalyzeContent() { ctx.state.drive.fileSystem = "FAT32"; }
 };
 
