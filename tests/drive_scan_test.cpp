@@ -25,22 +25,6 @@ using test::ImageDriveContext;
 using test::ImageRecipe;
 using test::TempTree;
 
-// Puts a TAVRIN folder holding the given files into a FAT image before it is mounted.
-void fillTavrin(const TempTree& tree, const fs::path& image,
-                const std::vector<std::string>& files) {
-    std::string out;
-    const std::string img = "'" + pathToUtf8(image) + "'";
-    ASSERT_EQ(test::runCommand("MTOOLS_SKIP_CHECK=1 mmd -i " + img + " ::TAVRIN", &out), 0) << out;
-    for (const auto& name : files) {
-        const auto file = tree.write("src/" + name, "x");
-        ASSERT_EQ(test::runCommand("MTOOLS_SKIP_CHECK=1 mcopy -i " + img + " '" + pathToUtf8(file) +
-                                       "' ::TAVRIN/" + name,
-                                   &out),
-                  0)
-            << out;
-    }
-}
-
 std::vector<bool> transferButtons(const MainState& s) {
     std::vector<bool> on;
     for (int i = 0; i < kTransferButtons; ++i)
@@ -77,7 +61,7 @@ TEST(DriveScan, AcceptedFatSticksEnableTheirCommands) {
         SCOPED_TRACE(c.recipe.kind);
         TempTree tree;
         const auto image = test::makeImage(tree, "stick.img", c.recipe);
-        fillTavrin(tree, image, c.files);
+        test::fillTavrin(tree, image, c.files);
         ImageDriveContext drives({image});
         if (c.mirrorFolder)
             fs::create_directories(drives.session->paths.libraryRoot /
@@ -133,7 +117,7 @@ TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOffAndIsNotBackedUp) {
         SCOPED_TRACE(c.label + (c.autoBackup ? " auto" : ""));
         TempTree tree;
         const auto image = test::makeImage(tree, "stick.img", {"fat32", 40, c.label, ""});
-        fillTavrin(tree, image, {});
+        test::fillTavrin(tree, image, {});
         ImageDriveContext drives({image});
         Context ctx = drives.ctx();
         ctx.settings.autoBackup = c.autoBackup;
@@ -204,7 +188,7 @@ TEST(DriveScan, StickPulledOutBeforeTheScanLeavesNoDrive) {
     TVK_REQUIRE_FUSE();
     TempTree tree;
     const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "GONE", ""});
-    fillTavrin(tree, image, {"SUPSET01.LPG"});
+    test::fillTavrin(tree, image, {"SUPSET01.LPG"});
     ImageDriveContext drives({image});
     Context ctx = drives.ctx();
     ScanForUSBs(ctx);

@@ -30,6 +30,21 @@ std::filesystem::path makeImage(const TempTree& tree, const std::string& name,
     return image;
 }
 
+void fillTavrin(const TempTree& tree, const std::filesystem::path& image,
+                const std::vector<std::string>& files) {
+    std::string out;
+    const std::string img = "'" + pathToUtf8(image) + "'";
+    ASSERT_EQ(runCommand("MTOOLS_SKIP_CHECK=1 mmd -i " + img + " ::TAVRIN", &out), 0) << out;
+    for (const auto& name : files) {
+        const auto file = tree.write("src/" + name, "x");
+        ASSERT_EQ(runCommand("MTOOLS_SKIP_CHECK=1 mcopy -i " + img + " '" + pathToUtf8(file) +
+                                 "' ::TAVRIN/" + name,
+                             &out),
+                  0)
+            << out;
+    }
+}
+
 std::string fuseUnavailableReason() {
     if (access("/dev/fuse", R_OK | W_OK) != 0) return "/dev/fuse cannot be opened";
     for (const char* tool : {"fusefat", "fusermount", "mkfs.fat", "fatlabel"})

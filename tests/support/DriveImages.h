@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/Session.h"
 #include "drive/Volumes.h"
@@ -24,6 +25,11 @@ struct ImageRecipe {
 // Makes a sparse image file; fails the test when the mkfs tool fails.
 std::filesystem::path makeImage(const TempTree& tree, const std::string& name,
                                 const ImageRecipe& recipe);
+
+// Puts a TAVRIN folder holding the given files (each one byte) into a FAT image
+// before it is mounted.
+void fillTavrin(const TempTree& tree, const std::filesystem::path& image,
+                const std::vector<std::string>& files);
 
 // Why FUSE images cannot be mounted here, or empty when they can.
 std::string fuseUnavailableReason();

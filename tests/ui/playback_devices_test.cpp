@@ -4,6 +4,7 @@
 #include <QLineEdit>
 
 #include "drive/Volumes.h"
+#include "support/DriveImages.h"
 #include "ui/DeviceWatch.h"
 #include "ui/WindowFixture.h"
 
@@ -64,25 +65,11 @@ TEST_F(PlaybackTest, MidiTheFrameworkCannotPlayGoesToTheDesktop) {
 TEST_F(PlaybackTest, PulledStickEmptiesTheList) {
     if (!haveTool("mkfs.fat") || !haveTool("fusefat") || !haveTool("mmd"))
         GTEST_SKIP() << "FAT tools are not installed";
-    const auto image = tree.path("stick.img");
-    ASSERT_EQ(
-        runCommand("mkfs.fat -C -F 16 -n ORGANSTICK '" + image.string() +
-                   "' 65536 && "
-                   "mmd -i '" +
-                   image.string() +
-                   "' ::TAVRIN && "
-                   "echo x > '" +
-                   tree.path("t.mp3").string() +
-                   "' && "
-                   "mcopy -i '" +
-                   image.string() + "' '" + tree.path("t.mp3").string() + "' ::TAVRIN/TUNE.MP3"),
-        0);
-    VolumesOptions vo;
-    vo.images = {image};
-    vo.systemVolumes = false;
+    const auto image = makeImage(tree, "stick.img", {"fat16", 64, "ORGANSTICK", ""});
+    fillTavrin(tree, image, {"TUNE.MP3"});
     std::shared_ptr<Volumes> volumes;
     try {
-        volumes = makePlatformVolumes(vo);
+        volumes = makePlatformVolumes({{image}, false});
     } catch (const std::exception& e) {
         GTEST_SKIP() << "cannot attach the image here: " << e.what();
     }
