@@ -3,13 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "app/Session.h"
 #include "app/Text.h"
 #include "drive/ScanForUSBs.h"
 #include "drive/VolumeCommands.h"
 #include "drive/VolumeProbe.h"
 #include "support/DriveImages.h"
-#include "support/FakeSystem.h"
 #include "support/FakeVolumes.h"
 
 namespace tvk {
@@ -141,20 +139,10 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
     }
 }
 
-struct LetterFormat : ::testing::Test {
-    TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    std::shared_ptr<test::FakeVolumes> volumes = std::make_shared<test::FakeVolumes>();
-    Context ctx(DriveType type, bool tavrinThere) {
-        auto& l = volumes->letters["E"];
-        l.type = type;
-        l.info = {"STICK", 0xABC, "FAT32", 255, 6};
-        l.root = tree.mkdir("E");
-        if (tavrinThere) tree.mkdir("E/TAVRIN");
-        session.volumes = volumes;
-        session.paths.libraryRoot = tree.mkdir("lib");
-        Context c = session.context();
+struct LetterFormat : test::LetterDrivesTest {
+    Context driveE(DriveType type, bool tavrinThere) {
+        const auto& l = add("E", type, "FAT32", "STICK", tavrinThere);
+        Context c = letterContext();
         c.state.drive.letter = "E";
         c.state.drive.root = l.root;
         c.state.drive.volumeName = "STICK";
@@ -165,7 +153,7 @@ struct LetterFormat : ::testing::Test {
 TEST_F(LetterFormat, ShellFormatGetsDriveNumberAndTheFatHint) {
     // The user cancels the format window: the TAVRIN folder that is still there cannot be
     // made again, which goes to the error handler; Ignore goes on with the scan.
-    Context c = ctx(DriveType::Removable, true);
+    Context c = driveE(DriveType::Removable, true);
     volumes->formatResult = kFormatCancelled;
     ui.expect("FORMAT THUMBDRIVE", Answer::Yes)
         .expect("TVK")
@@ -181,7 +169,7 @@ TEST_F(LetterFormat, ShellFormatGetsDriveNumberAndTheFatHint) {
 
 TEST_F(LetterFormat, NonRemovableDrivesAreNeverFormatted) {
     for (const DriveType type : {DriveType::Fixed, DriveType::Remote, DriveType::CdRom}) {
-        Context c = ctx(type, false);
+        Context c = driveE(type, false);
         ui.expect("FORMAT THUMBDRIVE", Answer::Yes).expect("TVK").expect("FORMAT THUMBDRIVE");
         mnuFileFormat_Click(c);
         EXPECT_TRUE(ui.done());
@@ -191,7 +179,7 @@ TEST_F(LetterFormat, NonRemovableDrivesAreNeverFormatted) {
 }
 
 TEST_F(LetterFormat, FailedFormatOfAFullDriveLeavesItWithoutANewFolder) {
-    Context c = ctx(DriveType::Removable, false);
+    Context c = driveE(DriveType::Removable, false);
     test::writeFile(tree.path("E/notes.txt"), "x");
     volumes->formatResult = kFormatError;
     ui.expect("FORMAT THUMBDRIVE", Answer::Yes)

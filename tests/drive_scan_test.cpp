@@ -7,14 +7,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "app/Session.h"
 #include "app/Text.h"
 #include "drive/ImageDrives.h"
 #include "drive/ScanForUSBs.h"
 #include "drive/VolumeHelpers.h"
 #include "drive/VolumeProbe.h"
 #include "support/DriveImages.h"
-#include "support/FakeSystem.h"
 #include "support/FakeVolumes.h"
 
 namespace tvk {
@@ -255,32 +253,14 @@ TEST(DriveScan, MountsLeftByACrashedRunAreRemovedByTheNext) {
 }
 
 // Drive letters, as only Windows has them.
-struct LetterScan : ::testing::Test {
-    TempTree tree;
-    test::ScriptedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    std::shared_ptr<test::FakeVolumes> volumes = std::make_shared<test::FakeVolumes>();
-    Context ctx() {
-        session.volumes = volumes;
-        session.paths.libraryRoot = tree.mkdir("lib");
-        return session.context();
-    }
-    void add(const std::string& letter, DriveType type, const std::string& fileSystem,
-             const std::string& label = "STICK") {
-        auto& l = volumes->letters[letter];
-        l.type = type;
-        l.info = {label, 0x1234, fileSystem, 255, 6};
-        l.root = tree.mkdir(letter);
-        tree.mkdir(letter + "/TAVRIN");
-    }
-};
+using LetterScan = test::LetterDrivesTest;
 
 TEST_F(LetterScan, LowestRemovableLetterWinsAndNoticesChooseTheirOwn) {
     add("C", DriveType::Fixed, "NTFS");
     add("E", DriveType::Removable, "FAT32", "EEE");
     add("F", DriveType::Removable, "FAT", "FFF");
     add("G", DriveType::CdRom, "FAT");
-    Context c = ctx();
+    Context c = letterContext();
     ScanForUSBs(c);
     EXPECT_EQ(c.state.drive.letter, "E");
     EXPECT_EQ(ui.status[StatusPanel::Drive], "Volume Name: EEE  Serial Number:1234  DevID:16");
@@ -317,7 +297,7 @@ TEST_F(LetterScan, RefusalsByKindAndExactFileSystemName) {
         add("H", c.type, c.fileSystem);
         ui.shown.clear();
         ui.expect(c.title);
-        Context cx = ctx();
+        Context cx = letterContext();
         const DeviceNotice notice{DeviceNotice::Kind::Arrival, "H", "128"};
         ScanForUSBs(cx, &notice);
         ASSERT_EQ(ui.shown.size(), 1u);
@@ -330,7 +310,7 @@ TEST_F(LetterScan, RefusalsByKindAndExactFileSystemName) {
 TEST_F(LetterScan, UnreadableVolumeGoesToTheErrorHandler) {
     add("E", DriveType::Removable, "FAT32");
     volumes->letters["E"].unreadable = true;
-    Context c = ctx();
+    Context c = letterContext();
     ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
     ScanForUSBs(c);
     EXPECT_TRUE(ui.done());

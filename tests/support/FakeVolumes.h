@@ -7,6 +7,7 @@
 
 #include "app/RuntimeError.h"
 #include "drive/Volumes.h"
+#include "support/SessionTest.h"
 
 namespace tvk::test {
 
@@ -51,6 +52,26 @@ class FakeVolumes : public Volumes {
     FormatOutcome format(const std::string& d, const std::string&) override {
         formattedDriveNumbers.push_back(driveNumber(d));
         return {formatResult, {}};
+    }
+};
+
+// A session whose drives are fake letters, each with its root under the test's tree.
+struct LetterDrivesTest : SessionTest {
+    std::shared_ptr<FakeVolumes> volumes = std::make_shared<FakeVolumes>();
+    FakeVolumes::Letter& add(const std::string& letter, DriveType type,
+                             const std::string& fileSystem, const std::string& label = "STICK",
+                             bool tavrin = true) {
+        auto& l = volumes->letters[letter];
+        l.type = type;
+        l.info = {label, 0x1234, fileSystem, 255, 6};
+        l.root = tree.mkdir(letter);
+        if (tavrin) tree.mkdir(letter + "/TAVRIN");
+        return l;
+    }
+    Context letterContext() {
+        session.volumes = volumes;
+        session.paths.libraryRoot = tree.mkdir("lib");
+        return session.context();
     }
 };
 
