@@ -11,8 +11,9 @@ namespace {
 
 using test::TestContext;
 
-TEST(CommonRoutines, ExistenceTestsFollowTheFileSearchRules) {
+TEST(CommonRoutines, ExistenceTestsFollowTheFileSearchRulesAndTrace) {
     TestContext t;
+    t.traceToFile();
     Context ctx = t.ctx();
     t.tree.write("d/plain.SPG", "x");
     t.tree.write("d/.hidden", "x");
@@ -30,14 +31,7 @@ TEST(CommonRoutines, ExistenceTestsFollowTheFileSearchRules) {
         EXPECT_EQ(FileExists(ctx, t.tree.path(c.path)), c.file) << c.path;
         EXPECT_EQ(FolderExists(ctx, t.tree.path(c.path)), c.folder) << c.path;
     }
-}
-
-TEST(CommonRoutines, ExistenceTestTraceLines) {
-    TestContext t;
-    t.traceToFile();
-    Context ctx = t.ctx();
-    FileExists(ctx, t.tree.path("nothing.txt"));
-    const std::string p = pathToUtf8(t.tree.path("nothing.txt"));
+    const std::string p = pathToUtf8(t.tree.path("d/missing"));
     EXPECT_NE(t.traceText().find("- |CodeModule.FileExists - ENTER\r\nChecking " + p +
                                  "\r\nCheck existing file: " + p + "\r\nResult = FALSE\r\n"),
               std::string::npos);
