@@ -182,7 +182,7 @@ TEST(DriveScan, EmptyExfatStickFormattedOnYesComesBackAsFatWithTavrin) {
     EXPECT_TRUE(fs::is_directory(drives.root() / "TAVRIN"));
 }
 
-TEST(DriveScan, StickPulledOutBeforeTheScanLeavesNoDrive) {
+TEST(DriveScan, PulledStickArrivesAsANoticeAndLeavesNoDrive) {
     TVK_REQUIRE_FUSE();
     TempTree tree;
     const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "GONE", ""});
@@ -191,24 +191,10 @@ TEST(DriveScan, StickPulledOutBeforeTheScanLeavesNoDrive) {
     Context ctx = drives.ctx();
     ScanForUSBs(ctx);
     ASSERT_TRUE(ctx.state.drive.present);
-    ASSERT_EQ(test::runCommand("fusermount -u '" + pathToUtf8(drives.root()) + "'"), 0);
-    const DeviceNotice removal{DeviceNotice::Kind::Removal, ctx.state.drive.letter, ""};
-    SysInfo1_DeviceRemoveComplete(ctx, removal);
-    EXPECT_TRUE(drives.ui.shown.empty());
-    EXPECT_FALSE(ctx.state.drive.present);
-    EXPECT_EQ(ctx.state.drive.letter, "");
-    EXPECT_EQ(ctx.state.usbPattern, "*.nothing");
-    EXPECT_FALSE(ctx.state.isEnabled(controlName("btnUSB_Docs", 2)));
-}
-
-TEST(DriveScan, MountChangesArriveAsNotices) {
-    TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "WATCHED", ""});
-    ImageDriveContext drives({image});
     Volumes& volumes = *drives.session->volumes;
     ASSERT_GE(volumes.noticeHandle(), 0);
     EXPECT_FALSE(waitForNotices(volumes, 0));
+
     ASSERT_EQ(test::runCommand("fusermount -u '" + pathToUtf8(drives.root()) + "'"), 0);
     EXPECT_TRUE(waitForNotices(volumes, 2000));
     const auto notices = volumes.takeNotices();
@@ -216,6 +202,13 @@ TEST(DriveScan, MountChangesArriveAsNotices) {
     EXPECT_EQ(notices[0].kind, DeviceNotice::Kind::Removal);
     EXPECT_EQ(notices[0].deviceId, pathToUtf8(image));
     EXPECT_FALSE(waitForNotices(volumes, 0));
+
+    SysInfo1_DeviceRemoveComplete(ctx, notices[0]);
+    EXPECT_TRUE(drives.ui.shown.empty());
+    EXPECT_FALSE(ctx.state.drive.present);
+    EXPECT_EQ(ctx.state.drive.letter, "");
+    EXPECT_EQ(ctx.state.usbPattern, "*.nothing");
+    EXPECT_FALSE(ctx.state.isEnabled(controlName("btnUSB_Docs", 2)));
 }
 
 TEST(DriveScan, MountsLeftByACrashedRunAreRemovedByTheNext) {
