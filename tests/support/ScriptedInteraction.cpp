@@ -11,10 +11,14 @@ namespace {
 // that could change files.
 Answer cautiousAnswer(Buttons buttons) {
     switch (buttons) {
-        case Buttons::Ok: return Answer::Ok;
-        case Buttons::AbortRetryIgnore: return Answer::Abort;
-        case Buttons::YesNo: return Answer::No;
-        default: return Answer::Cancel;
+        case Buttons::Ok:
+            return Answer::Ok;
+        case Buttons::AbortRetryIgnore:
+            return Answer::Abort;
+        case Buttons::YesNo:
+            return Answer::No;
+        default:
+            return Answer::Cancel;
     }
 }
 }  // namespace
@@ -49,7 +53,6 @@ Answer ScriptedInteraction::message(const Message& box) {
 std::optional<std::string> ScriptedInteraction::prompt(const std::string& title,
                                                        const std::string& text,
                                                        const std::string&) {
-    prompts.push_back(title);
     if (answers_.empty()) {
         if (!lenient) ADD_FAILURE() << "unexpected prompt [" << title << "] " << text;
         return std::nullopt;
@@ -62,18 +65,20 @@ std::optional<std::string> ScriptedInteraction::prompt(const std::string& title,
 
 void ScriptedInteraction::setStatus(StatusPanel panel, const std::string& text) {
     status[panel] = text;
-    statusLog.push_back(text);
 }
 
-void ScriptedInteraction::showProgress(int maximum) {
+void ScriptedInteraction::showProgress(int) {
     progressVisible = true;
-    progressMaximum = maximum;
     progressValue = 0;
 }
 
-void ScriptedInteraction::setProgress(int value) { progressValue = value; }
+void ScriptedInteraction::setProgress(int value) {
+    progressValue = value;
+}
 
-void ScriptedInteraction::hideProgress() { progressVisible = false; }
+void ScriptedInteraction::hideProgress() {
+    progressVisible = false;
+}
 
 std::vector<std::string> ScriptedInteraction::titles() const {
     std::vector<std::string> out;

@@ -13,7 +13,7 @@
 namespace tvk::test {
 
 class ScriptedInteraction : public Interaction {
-public:
+  public:
     // The next box must carry this title; it is answered with `answer`.
     ScriptedInteraction& expect(std::string title, Answer answer = Answer::Ok);
     ScriptedInteraction& expectPrompt(std::string title, std::optional<std::string> answer);
@@ -31,11 +31,8 @@ public:
     void processEvents() override { ++eventsPumped; }
 
     std::vector<Message> shown;                 // every box, in order
-    std::vector<std::string> prompts;           // prompt titles, in order
     std::map<StatusPanel, std::string> status;  // last text of each panel
-    std::vector<std::string> statusLog;         // every status text, in order
     bool progressVisible = false;
-    int progressMaximum = 0;
     int progressValue = 0;
     int eventsPumped = 0;
 
@@ -43,7 +40,7 @@ public:
     // True when every scripted box and prompt was shown.
     bool done() const { return boxes_.empty() && answers_.empty(); }
 
-private:
+  private:
     struct Box {
         std::string title;
         Answer answer;
