@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 
 #include "app/RuntimeError.h"
 #include "app/Text.h"
@@ -159,17 +160,10 @@ std::int32_t calcAddress(std::string_view family, std::string_view kind, std::st
 }
 
 const char* familyLetter(Series family) {
-    switch (family) {
-        case Series::SU:
-            return "S";
-        case Series::A:
-            return "A";
-        case Series::E:
-            return "E";
-        case Series::All:
-            break;
-    }
-    return "";
+    // Indexed by the series code: ALL has no letter of its own.
+    static constexpr const char* kLetters[] = {"", "S", "A", "E"};
+    const auto i = static_cast<std::size_t>(family);
+    return i < std::size(kLetters) ? kLetters[i] : "";
 }
 
 std::int32_t calcAddress(Series family, FileKind kind, std::string_view button) {
