@@ -117,6 +117,56 @@ TEST(DriveProbe, OtherFileSystemsAreNamedAsWindowsNamesThem) {
         EXPECT_EQ(windowsFileSystemName(n.type, n.version), n.windows) << n.type << n.version;
 }
 
+// Hand-made first sectors for the checks no mkfs tool lets one get wrong: sizes read from
+// the boot sector must neither shift past the width of a number nor ask for more memory
+// than the image holds.
+TEST(DriveProbe, ImplausibleSizesInBootSectorsAreNotTrusted) {
+    struct Case {
+        const char* name;
+        std::size_t size;
+        std::vector<std::pair<std::size_t, unsigned char>> bytes;
+        const char* fileSystem;  // nullptr: no file system recognised
+    };
+    const std::vector<std::pair<std::size_t, unsigned char>> extMagic = {{0x438, 0x53},
+                                                                         {0x439, 0xEF}};
+    auto ext = [&](unsigned char logBlockSize) {
+        auto b = extMagic;
+        b.push_back({0x418, logBlockSize});
+        return b;
+    };
+    auto exfat = [](unsigned char sectorShift, unsigned char clusterShift) {
+        std::vector<std::pair<std::size_t, unsigned char>> b;
+        for (std::size_t i = 0; i < 8; ++i) b.push_back({3 + i, "EXFAT   "[i]});
+        b.insert(b.end(), {{96, 2}, {108, sectorShift}, {109, clusterShift}});
+        return b;
+    };
+    const Case cases[] = {
+        {"ext 64 KiB blocks", 2048, ext(6), "ext2"},
+        {"ext block size 2^46", 2048, ext(36), nullptr},
+        {"ext block size 2^64", 2048, ext(54), nullptr},
+        {"ext block size 2^265", 2048, ext(255), nullptr},
+        {"exFAT 32 MiB clusters", 512, exfat(12, 13), "exFAT"},
+        {"exFAT 16 GiB clusters", 512, exfat(9, 25), nullptr},
+        {"exFAT 128 GiB clusters", 512, exfat(12, 25), nullptr},
+        {"exFAT root beyond the image", 512, exfat(9, 16), "exFAT"},
+    };
+    TempTree tree;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::string image(c.size, '\0');
+        for (const auto& [at, value] : c.bytes) image[at] = static_cast<char>(value);
+        test::writeFile(tree.path("v.img"), image);
+        const auto probe = probeVolume(tree.path("v.img"));
+        if (!c.fileSystem) {
+            EXPECT_FALSE(probe);
+            continue;
+        }
+        ASSERT_TRUE(probe);
+        EXPECT_EQ(probe->fileSystemName, c.fileSystem);
+        EXPECT_EQ(probe->label, "");
+    }
+}
+
 TEST(DriveMountInfo, ParsesEscapesOptionalFieldsAndRejectsJunk) {
     const auto e = parseMountInfoLine(
         "36 35 8:17 / /media/user/MY\\040STICK\\011x\\134y rw,nosuid shared:1 master:2 - vfat "

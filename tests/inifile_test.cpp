@@ -60,6 +60,7 @@ struct ReadCase {
     const char* text;
     std::vector<std::pair<const char*, Answer>> boxes;
     std::function<void(const Settings&)> check;
+    int errorNumber = 0;  // the number the error box reports, when one is expected
 };
 
 class IniFileRead : public ::testing::TestWithParam<ReadCase> {};
@@ -75,6 +76,10 @@ TEST_P(IniFileRead, ReadsOrRepairs) {
     ReadIniFile(ctx);
     EXPECT_TRUE(t.ui.done());
     c.check(t.settings);
+    if (c.errorNumber) {
+        EXPECT_NE(t.ui.shown.back().text.find("Err#" + std::to_string(c.errorNumber)),
+                  std::string::npos);
+    }
 }
 
 const ReadCase kReadCases[] = {
@@ -150,7 +155,22 @@ const ReadCase kReadCases[] = {
     {"WinIndexOutsideTheTable",
      "[WINDOW POSITIONS]\r\nWin Index=5\r\nWin Left=7\r\nWin Index=1\r\nWin Left=9\r\n",
      {{"TVK: RUNTIME ERROR", Answer::Ignore}},
-     [](const Settings& s) { EXPECT_EQ(s.windows[0].left, 9); }},
+     [](const Settings& s) { EXPECT_EQ(s.windows[0].left, 9); },
+     9},
+    {"WinIndexAtTheLowestLong",
+     "[WINDOW POSITIONS]\r\nWin Index=-2147483648\r\nWin Left=10\r\n",
+     {{"TVK: RUNTIME ERROR", Answer::Ignore}},
+     [](const Settings& s) {
+         for (const WindowRect& w : s.windows) EXPECT_NE(w.left, 10);
+     },
+     9},
+    {"WinIndexAtTheLowestLongInHex",
+     "[WINDOW POSITIONS]\r\nWin Index=&H80000000\r\nWin Left=10\r\n",
+     {{"TVK: RUNTIME ERROR", Answer::Ignore}},
+     [](const Settings& s) {
+         for (const WindowRect& w : s.windows) EXPECT_NE(w.left, 10);
+     },
+     9},
     {"BinaryJunkWithoutKeysIsSkipped",
      "\x01\x02\xff\xfe junk\r\n\r\n\x7f",
      {},

@@ -206,7 +206,7 @@ enum class ReadOutcome { Done, Malformed, Mismatch };
 
 // Stores one key; false when the key does not belong where it stands.
 bool storeEntry(Settings& s, const std::string& section, const std::string& key,
-                const std::string& value, int& row) {
+                const std::string& value, long long& row) {
     if (key == "Organ Series") {
         const long long v = toInteger(value);
         if (v < -32768 || v > 32767) throw RuntimeError(kErrOverflow, value);
@@ -235,7 +235,7 @@ bool storeEntry(Settings& s, const std::string& section, const std::string& key,
         *colour = static_cast<std::uint32_t>(toLong(value));
     } else if (section == "[WINDOW POSITIONS]") {
         if (key == "Win Index") {
-            row = static_cast<int>(toInteger(value)) - 1;
+            row = toInteger(value) - 1;
             return true;
         }
         const int column = key == "Win Left"     ? 0
@@ -274,7 +274,7 @@ void ReadIniFile(Context& ctx) {
 
         ReadOutcome outcome = ReadOutcome::Done;
         std::string section;
-        int row = 0;
+        long long row = 0;
         for (const std::string& entry : splitIniFields(text)) {
             if (entry == "EOF") break;
             if (!entry.empty() && entry[0] == '[') {

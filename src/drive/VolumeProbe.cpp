@@ -1,5 +1,6 @@
 #include "drive/VolumeProbe.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -136,7 +137,8 @@ std::optional<VolumeProbe> probeFat(const SectorReader& read, std::string_view b
 
 std::optional<VolumeProbe> probeExfat(const SectorReader& read, std::string_view bs) {
     const std::uint32_t sectorShift = le(bs, 108, 1), clusterShift = le(bs, 109, 1);
-    if (sectorShift < 9 || sectorShift > 12 || clusterShift > 25) return std::nullopt;
+    // Clusters are at most 32 MiB: the limit is on the two shifts together.
+    if (sectorShift < 9 || sectorShift > 12 || sectorShift + clusterShift > 25) return std::nullopt;
     VolumeProbe p;
     p.fileSystemName = "exFAT";
     p.serialNumber = le(bs, 100, 4);
@@ -163,13 +165,16 @@ std::optional<VolumeProbe> probeExfat(const SectorReader& read, std::string_view
 std::optional<VolumeProbe> probeExt(const SectorReader& read) {
     const std::string sb = read(1024, 1024);
     if (sb.size() < 1024 || le(sb, 56, 2) != 0xEF53) return std::nullopt;
+    // Blocks run from 1 KiB to 64 KiB; anything larger is a damaged superblock.
+    const std::uint32_t logBlockSize = le(sb, 24, 4);
+    if (logBlockSize > 6) return std::nullopt;
     VolumeProbe p;
     const bool extents = le(sb, 96, 4) & 0x40, journal = le(sb, 92, 4) & 0x4;
     p.fileSystemName = extents ? "ext4" : journal ? "ext3" : "ext2";
     p.serialNumber = le(sb, 104, 4);
     p.hasSerial = true;
     p.label = trimRight(sb.substr(120, 16));
-    p.totalBytes = std::uint64_t(le(sb, 4, 4)) << (10 + le(sb, 24, 4));
+    p.totalBytes = std::uint64_t(le(sb, 4, 4)) << (10 + logBlockSize);
     return p;
 }
 
@@ -204,7 +209,13 @@ std::optional<VolumeProbe> probeVolume(const SectorReader& read) {
 std::optional<VolumeProbe> probeVolume(const std::filesystem::path& deviceOrImage) {
     std::ifstream in(deviceOrImage, std::ios::binary);
     if (!in) throw RuntimeError::fromErrno(errno, pathToUtf8(deviceOrImage));
+    in.seekg(0, std::ios::end);
+    const auto end = in.tellg();
+    const std::uint64_t length = end > 0 ? static_cast<std::uint64_t>(end) : 0;
     return probeVolume([&](std::uint64_t offset, std::size_t size) {
+        // A size read from the boot sector never asks for more than the medium holds.
+        if (offset >= length) return std::string();
+        size = static_cast<std::size_t>(std::min<std::uint64_t>(size, length - offset));
         std::string buffer(size, '\0');
         in.clear();
         in.seekg(static_cast<std::streamoff>(offset));
