@@ -182,6 +182,7 @@ TEST(RuntimeErrors, MapFromOsErrors) {
     const std::pair<int, int> cases[] = {
         {ENOENT, 53}, {ENOTDIR, 76}, {EEXIST, 58},   {ENOSPC, 61},       {EACCES, 70},
         {EROFS, 70},  {EIO, 57},     {ENOTCONN, 71}, {ENAMETOOLONG, 52}, {EBUSY, 75},
+        {ENODEV, 71}, {EXDEV, 74},   {EMFILE, 67},   {ENOTEMPTY, 75},
     };
     for (const auto& [err, number] : cases) {
         EXPECT_EQ(RuntimeError::fromErrno(err).number(), number) << "errno " << err;

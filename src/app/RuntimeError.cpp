@@ -4,7 +4,17 @@
 #include <filesystem>
 #include <new>
 
+#include "app/Text.h"
+
 namespace tvk {
+
+namespace {
+#ifdef _WIN32
+constexpr bool kSystemCategoryIsWindows = true;
+#else
+constexpr bool kSystemCategoryIsWindows = false;
+#endif
+}  // namespace
 
 std::string errorDescription(int number) {
     switch (number) {
@@ -40,6 +50,8 @@ std::string errorDescription(int number) {
             return "Permission denied";
         case 71:
             return "Disk not ready";
+        case 74:
+            return "Can't rename with different drive";
         case 75:
             return "Path/File access error";
         case 76:
@@ -54,56 +66,117 @@ RuntimeError::RuntimeError(int number, std::string detail)
       number_(number),
       detail_(std::move(detail)) {}
 
-RuntimeError RuntimeError::fromErrorCode(std::error_code ec, std::string detail) {
-    // default_error_condition maps Windows and POSIX codes alike onto std::errc.
-    const std::error_condition cond = ec.default_error_condition();
-    int number = kErrPathFileAccess;
-    if (cond.category() == std::generic_category()) {
-        switch (static_cast<std::errc>(cond.value())) {
-            case std::errc::no_such_file_or_directory:
-                number = kErrFileNotFound;
-                break;
-            case std::errc::not_a_directory:
-                number = kErrPathNotFound;
-                break;
-            case std::errc::file_exists:
-                number = kErrFileAlreadyExists;
-                break;
-            case std::errc::no_space_on_device:
-            case std::errc::file_too_large:
-                number = kErrDiskFull;
-                break;
-            case std::errc::permission_denied:
-            case std::errc::operation_not_permitted:
-            case std::errc::read_only_file_system:
-            case std::errc::text_file_busy:
-                number = kErrPermissionDenied;
-                break;
-            case std::errc::bad_file_descriptor:
-            case std::errc::filename_too_long:
-            case std::errc::invalid_argument:
-            case std::errc::illegal_byte_sequence:
-                number = kErrBadFileNameOrNumber;
-                break;
-            case std::errc::io_error:
-                number = kErrDeviceIO;
-                break;
-            case std::errc::no_such_device:
-            case std::errc::no_such_device_or_address:
-            case std::errc::not_connected:
-                number = kErrDiskNotReady;
-                break;
-            case std::errc::not_enough_memory:
-                number = kErrOutOfMemory;
-                break;
-            case std::errc::too_many_files_open:
-                number = 67;
-                break;
-            default:
-                number = kErrPathFileAccess;
-                break;
-        }
+int classicNumberForErrno(int err) {
+    switch (err) {
+        case ENOENT:
+            return kErrFileNotFound;
+        case ENOTDIR:
+            return kErrPathNotFound;
+        case EEXIST:
+            return kErrFileAlreadyExists;
+        case ENOSPC:
+        case EFBIG:
+#ifdef EDQUOT
+        case EDQUOT:
+#endif
+            return kErrDiskFull;
+        case EACCES:
+        case EPERM:
+        case EROFS:
+        case ETXTBSY:
+            return kErrPermissionDenied;
+        case EBADF:
+        case ENAMETOOLONG:
+        case EINVAL:
+        case EILSEQ:
+            return kErrBadFileNameOrNumber;
+        case EIO:
+            return kErrDeviceIO;
+        case ENODEV:
+        case ENXIO:
+        case ENOTCONN:
+#ifdef ENOMEDIUM  // Linux: a card reader with no card, a stale FUSE mount
+        case ENOMEDIUM:
+        case ESTALE:
+#endif
+            return kErrDiskNotReady;
+        case ENOMEM:
+            return kErrOutOfMemory;
+        case EMFILE:
+        case ENFILE:
+            return kErrTooManyFiles;
+        case EXDEV:
+            return kErrRenameAcrossDisks;
+        default:
+            return kErrPathFileAccess;
     }
+}
+
+int classicNumberForWindowsError(unsigned long code) {
+    // The system's error codes by number, as winerror.h names them.
+    switch (code) {
+        case 2:  // ERROR_FILE_NOT_FOUND
+            return kErrFileNotFound;
+        case 3:    // ERROR_PATH_NOT_FOUND
+        case 267:  // ERROR_DIRECTORY
+            return kErrPathNotFound;
+        case 4:  // ERROR_TOO_MANY_OPEN_FILES
+            return kErrTooManyFiles;
+        case 5:   // ERROR_ACCESS_DENIED
+        case 19:  // ERROR_WRITE_PROTECT
+        case 32:  // ERROR_SHARING_VIOLATION
+        case 33:  // ERROR_LOCK_VIOLATION
+            return kErrPermissionDenied;
+        case 6:    // ERROR_INVALID_HANDLE
+        case 123:  // ERROR_INVALID_NAME
+        case 161:  // ERROR_BAD_PATHNAME
+        case 206:  // ERROR_FILENAME_EXCED_RANGE
+            return kErrBadFileNameOrNumber;
+        case 8:   // ERROR_NOT_ENOUGH_MEMORY
+        case 14:  // ERROR_OUTOFMEMORY
+            return kErrOutOfMemory;
+        case 15:  // ERROR_INVALID_DRIVE
+        case 55:  // ERROR_DEV_NOT_EXIST
+            return kErrDeviceUnavailable;
+        case 17:  // ERROR_NOT_SAME_DEVICE
+            return kErrRenameAcrossDisks;
+        case 21:    // ERROR_NOT_READY
+        case 1006:  // ERROR_FILE_INVALID: the volume went away under an open file
+            return kErrDiskNotReady;
+        case 23:    // ERROR_CRC
+        case 25:    // ERROR_SEEK
+        case 27:    // ERROR_SECTOR_NOT_FOUND
+        case 29:    // ERROR_WRITE_FAULT
+        case 30:    // ERROR_READ_FAULT
+        case 31:    // ERROR_GEN_FAILURE
+        case 1117:  // ERROR_IO_DEVICE
+        case 1392:  // ERROR_FILE_CORRUPT
+            return kErrDeviceIO;
+        case 38:  // ERROR_HANDLE_EOF
+            return kErrInputPastEndOfFile;
+        case 39:   // ERROR_HANDLE_DISK_FULL
+        case 112:  // ERROR_DISK_FULL
+            return kErrDiskFull;
+        case 80:   // ERROR_FILE_EXISTS
+        case 183:  // ERROR_ALREADY_EXISTS
+            return kErrFileAlreadyExists;
+        default:
+            return kErrPathFileAccess;
+    }
+}
+
+int classicErrorNumber(std::error_code ec) {
+    // The standard library reports the Windows system's own codes in the system
+    // category; elsewhere that category holds errno values.
+    if (kSystemCategoryIsWindows && ec.category() == std::system_category())
+        return classicNumberForWindowsError(static_cast<unsigned long>(ec.value()));
+    const std::error_condition cond = ec.default_error_condition();
+    if (cond.category() == std::generic_category()) return classicNumberForErrno(cond.value());
+    return kErrPathFileAccess;
+}
+
+RuntimeError RuntimeError::fromErrorCode(std::error_code ec, std::string detail) {
+    const int number = classicErrorNumber(ec);
     if (detail.empty()) detail = ec.message();
     return RuntimeError(number, std::move(detail));
 }
@@ -118,7 +191,7 @@ RuntimeError RuntimeError::fromCurrentException() {
     } catch (const RuntimeError& e) {
         return e;
     } catch (const std::filesystem::filesystem_error& e) {
-        std::string detail = e.path1().empty() ? e.code().message() : e.path1().string();
+        std::string detail = e.path1().empty() ? e.code().message() : pathToUtf8(e.path1());
         return fromErrorCode(e.code(), detail);
     } catch (const std::system_error& e) {
         return fromErrorCode(e.code(), e.what());

@@ -24,8 +24,17 @@ enum ErrorNumber : int {
     kErrDiskNotReady = 71,
     kErrPathFileAccess = 75,
     kErrPathNotFound = 76,
+    kErrTooManyFiles = 67,
+    kErrDeviceUnavailable = 68,
+    kErrRenameAcrossDisks = 74,
     kErrInvalidProcedureCall = 5,
 };
+
+// The classic error number for an OS error: errno values, and on Windows the system's
+// error codes, which the standard library reports in the system category.
+int classicErrorNumber(std::error_code ec);
+int classicNumberForErrno(int err);
+int classicNumberForWindowsError(unsigned long code);
 
 // The runtime's description for a number ("File not found" for 53).
 std::string errorDescription(int number);

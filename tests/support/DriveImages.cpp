@@ -45,6 +45,12 @@ void fillTavrin(const TempTree& tree, const std::filesystem::path& image,
     }
 }
 
+void pullImage(const std::filesystem::path& mountPoint) {
+    const std::string dir = pathToUtf8(mountPoint);
+    runCommand("pkill -KILL -f -- '" + dir + "'; sleep 0.2; fusermount -u -z '" + dir +
+               "' 2>/dev/null || umount -l '" + dir + "' 2>/dev/null");
+}
+
 std::string fuseUnavailableReason() {
     if (access("/dev/fuse", R_OK | W_OK) != 0) return "/dev/fuse cannot be opened";
     for (const char* tool : {"fusefat", "fusermount", "mkfs.fat", "fatlabel"})

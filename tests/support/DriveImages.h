@@ -31,6 +31,11 @@ std::filesystem::path makeImage(const TempTree& tree, const std::string& name,
 void fillTavrin(const TempTree& tree, const std::filesystem::path& image,
                 const std::vector<std::string>& files);
 
+// Pulls a mounted image out from under the program, as a user pulls a stick: the FUSE
+// driver serving `mountPoint` is killed, so every later access fails, and the mount is
+// then detached.
+void pullImage(const std::filesystem::path& mountPoint);
+
 // Why FUSE images cannot be mounted here, or empty when they can.
 std::string fuseUnavailableReason();
 

@@ -1,0 +1,50 @@
+#pragma once
+// The operating system's file handles under the file-I/O layer (FileIO.h), one
+// implementation per platform. Every failure throws RuntimeError with the classic number.
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+
+namespace tvk::detail {
+
+class InputFile {
+  public:
+    explicit InputFile(const std::filesystem::path& file);
+    ~InputFile();
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    std::uintmax_t size() const;
+    // Reads up to `count` bytes; returns how many were read, 0 at the end of the file.
+    std::size_t read(char* buffer, std::size_t count);
+
+  private:
+    friend class OutputFile;
+    std::filesystem::path path_;
+    std::intptr_t handle_;
+};
+
+class OutputFile {
+  public:
+    // Creates `file`, which must not exist yet.
+    explicit OutputFile(const std::filesystem::path& file);
+    ~OutputFile();  // closes without flushing; close() reports errors
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    void write(const char* bytes, std::size_t count);
+    void flushToDisk();
+    void copyTimesFrom(const InputFile& source);
+    void close();
+
+  private:
+    std::filesystem::path path_;
+    std::intptr_t handle_;
+};
+
+void renameReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
+// Fails with 58 when `to` exists.
+void renameExclusive(const std::filesystem::path& from, const std::filesystem::path& to);
+
+}  // namespace tvk::detail

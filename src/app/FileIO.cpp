@@ -1,0 +1,141 @@
+#include "app/FileIO.h"
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <vector>
+
+#include "app/FileHandles.h"
+#include "app/RuntimeError.h"
+#include "app/Text.h"
+
+namespace tvk {
+
+namespace {
+
+constexpr std::size_t kCopyChunk = 1 << 20;
+constexpr std::string_view kTempPrefix = ".tvk-";
+constexpr std::string_view kTempSuffix = ".part";
+
+void removeQuietly(const std::filesystem::path& file) {
+    std::error_code ignored;
+    std::filesystem::remove(file, ignored);
+}
+
+// Runs `write` on a new temporary file beside `file`, then `publish`es it. The temporary
+// file is removed when anything fails.
+template <typename Write, typename Publish>
+void throughTemporary(const std::filesystem::path& file, Write write, Publish publish) {
+    const std::filesystem::path temp = temporaryNameFor(file);
+    std::optional<detail::OutputFile> out;
+    out.emplace(temp);  // when this fails there is nothing of ours to remove
+    try {
+        write(*out);
+        out->close();
+        out.reset();
+        publish(temp);
+    } catch (...) {
+        out.reset();  // closed first: Windows cannot remove an open file
+        removeQuietly(temp);
+        throw;
+    }
+}
+
+}  // namespace
+
+std::string readWholeFile(const std::filesystem::path& file, std::uintmax_t limit) {
+    detail::InputFile in(file);
+    const std::uintmax_t size = in.size();
+    if (size > limit) throw RuntimeError(kErrOutOfMemory, pathToUtf8(file));
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    std::size_t got = 0;
+    while (got < bytes.size()) {
+        const std::size_t n = in.read(bytes.data() + got, bytes.size() - got);
+        if (n == 0) break;  // shrank while we read
+        got += n;
+    }
+    bytes.resize(got);
+    return bytes;
+}
+
+std::string readFileHead(const std::filesystem::path& file, std::size_t count) {
+    detail::InputFile in(file);
+    std::string bytes(count, '\0');
+    std::size_t got = 0;
+    while (got < count) {
+        const std::size_t n = in.read(bytes.data() + got, count - got);
+        if (n == 0) break;
+        got += n;
+    }
+    bytes.resize(got);
+    return bytes;
+}
+
+void writeFileReplacing(const std::filesystem::path& file, std::string_view bytes) {
+    throughTemporary(
+        file,
+        [&](detail::OutputFile& out) {
+            out.write(bytes.data(), bytes.size());
+            out.flushToDisk();
+        },
+        [&](const std::filesystem::path& temp) { detail::renameReplacing(temp, file); });
+}
+
+void writeNewFile(const std::filesystem::path& file, std::string_view bytes) {
+    std::error_code ec;
+    if (std::filesystem::exists(std::filesystem::symlink_status(file, ec)))
+        throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(file));
+    throughTemporary(
+        file,
+        [&](detail::OutputFile& out) {
+            out.write(bytes.data(), bytes.size());
+            out.flushToDisk();
+        },
+        [&](const std::filesystem::path& temp) { detail::renameExclusive(temp, file); });
+}
+
+void copyFileSafely(const std::filesystem::path& source, const std::filesystem::path& destination,
+                    const CopyProgress& progress) {
+    detail::InputFile in(source);
+    std::error_code ec;
+    if (std::filesystem::exists(std::filesystem::symlink_status(destination, ec)))
+        throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(destination));
+    const std::uintmax_t total = in.size();
+    throughTemporary(
+        destination,
+        [&](detail::OutputFile& out) {
+            std::vector<char> buffer(static_cast<std::size_t>(
+                std::min<std::uintmax_t>(std::max<std::uintmax_t>(total, 1), kCopyChunk)));
+            std::uintmax_t done = 0;
+            for (;;) {
+                const std::size_t n = in.read(buffer.data(), buffer.size());
+                if (n == 0) break;
+                out.write(buffer.data(), n);
+                done += n;
+                if (progress) progress(done, total);
+            }
+            out.copyTimesFrom(in);
+        },
+        [&](const std::filesystem::path& temp) { detail::renameExclusive(temp, destination); });
+}
+
+void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to) {
+    detail::renameExclusive(from, to);
+}
+
+std::filesystem::path temporaryNameFor(const std::filesystem::path& file) {
+    // Hidden on Linux, and ending in neither an organ nor a media extension, so neither
+    // the lists nor the organ take a left-over one for a real file.
+    static std::atomic<unsigned> counter{0};
+    const auto stamp = static_cast<unsigned long long>(
+        std::chrono::steady_clock::now().time_since_epoch().count());
+    const std::string name =
+        std::string(kTempPrefix) + hexUpper((stamp << 8) ^ counter++) + std::string(kTempSuffix);
+    return file.parent_path() / pathFromUtf8(name);
+}
+
+bool isTemporaryName(std::string_view fileName) {
+    return startsWith(fileName, kTempPrefix) && endsWith(fileName, kTempSuffix);
+}
+
+}  // namespace tvk

@@ -1,0 +1,50 @@
+#pragma once
+// Every file the program reads or writes goes through here. Writers never leave a
+// half-written file under a real name: new contents go to a temporary name in the same
+// folder and are renamed into place only when complete. Failures arrive as RuntimeError
+// with the classic error number (53 file not found, 61 disk full, 70 permission denied,
+// 71 disk not ready, ...).
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace tvk {
+
+// The whole file. A file larger than `limit` bytes is refused as out of memory (7),
+// so a size read from outside never drives an allocation on its own.
+std::string readWholeFile(const std::filesystem::path& file,
+                          std::uintmax_t limit = std::uintmax_t(1) << 31);
+
+// At most `count` bytes from the start of the file (fewer when the file is shorter).
+std::string readFileHead(const std::filesystem::path& file, std::size_t count);
+
+// Writes `bytes` as the new contents of `file` (made or replaced). The old contents stay
+// in place until the new ones are complete and flushed.
+void writeFileReplacing(const std::filesystem::path& file, std::string_view bytes);
+
+// Writes a new file; refuses (58, file already exists) when `file` is already there.
+void writeNewFile(const std::filesystem::path& file, std::string_view bytes);
+
+// Called during a copy with the bytes copied so far and the source's size.
+using CopyProgress = std::function<void(std::uintmax_t done, std::uintmax_t total)>;
+
+// Copies `source` to `destination` through a temporary name in the destination's folder
+// and renames it into place when complete; the modification time is kept. Refuses (58)
+// when `destination` exists, and never replaces it. On any failure the temporary file is
+// removed (as far as the destination still lets it) and the error is thrown.
+void copyFileSafely(const std::filesystem::path& source, const std::filesystem::path& destination,
+                    const CopyProgress& progress = {});
+
+// Renames within one volume; refuses (58) when `to` exists instead of replacing it. On
+// FAT a name that differs only in case is the same file, so it counts as existing.
+void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// The temporary name a writer uses beside `file`: hidden, and never an organ file name.
+std::filesystem::path temporaryNameFor(const std::filesystem::path& file);
+// True for a name temporaryNameFor makes (left behind when a stick was pulled).
+bool isTemporaryName(std::string_view fileName);
+
+}  // namespace tvk
