@@ -95,6 +95,7 @@ int classicNumberForErrno(int err) {
         case ENODEV:
         case ENXIO:
         case ENOTCONN:
+        case ECONNABORTED:  // a FUSE driver that died under a request
 #ifdef ENOMEDIUM  // Linux: a card reader with no card, a stale FUSE mount
         case ENOMEDIUM:
         case ESTALE:
