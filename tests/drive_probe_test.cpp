@@ -117,6 +117,26 @@ TEST(DriveProbe, OtherFileSystemsAreNamedAsWindowsNamesThem) {
         EXPECT_EQ(windowsFileSystemName(n.type, n.version), n.windows) << n.type << n.version;
 }
 
+TEST(DriveProbe, LabelsOfOtherFileSystemsComeOutAsUtf8) {
+    struct Case {
+        ImageRecipe recipe;
+        std::string label;
+    };
+    const Case cases[] = {
+        // A character beyond the 16-bit range is a surrogate pair on exFAT.
+        {{"exfat", 8, "K\xF0\x9F\x8E\xB9Z", ""}, "K\xF0\x9F\x8E\xB9Z"},
+        // ext keeps whatever bytes it was given; one that is not UTF-8 shows as U+FFFD.
+        {{"ext4", 8, "LI\xB1UX", ""}, "LI\xEF\xBF\xBDUX"},
+    };
+    TempTree tree;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.recipe.kind);
+        const auto probe = probeVolume(test::makeImage(tree, c.recipe.kind + ".img", c.recipe));
+        ASSERT_TRUE(probe);
+        EXPECT_EQ(probe->label, c.label);
+    }
+}
+
 // Hand-made first sectors for the checks no mkfs tool lets one get wrong: sizes read from
 // the boot sector must neither shift past the width of a number nor ask for more memory
 // than the image holds.

@@ -35,7 +35,7 @@ std::string utf8Left(std::string_view text, std::size_t characters);
 // The last `characters` characters of a text (the runtime's Right).
 std::string utf8Right(std::string_view text, std::size_t characters);
 std::string utf8ToUpper(std::string_view text);  // ASCII and Latin-1 letters
-// Appends one code point of the Basic Multilingual Plane as UTF-8.
+// Appends one code point as UTF-8.
 void appendUtf8(std::string& out, char32_t c);
 
 // Number formatting as the runtime's Format: zeroPad(7, 3) is "007".

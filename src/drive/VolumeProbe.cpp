@@ -45,6 +45,56 @@ bool isPowerOfTwo(std::uint32_t v) {
     return v != 0 && (v & (v - 1)) == 0;
 }
 
+// exFAT labels are UTF-16: pairs are joined, a lone surrogate becomes U+FFFD.
+std::string utf16ToUtf8(std::u16string_view units) {
+    std::string out;
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        char32_t c = units[i];
+        const bool high = c >= 0xD800 && c < 0xDC00;
+        if (high && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] < 0xE000)
+            c = 0x10000 + ((c - 0xD800) << 10) + (units[++i] - 0xDC00);
+        else if (c >= 0xD800 && c < 0xE000)
+            c = 0xFFFD;
+        appendUtf8(out, c);
+    }
+    return out;
+}
+
+// The length of the well-formed UTF-8 sequence `b` begins with, or 0 (no overlong forms,
+// no surrogates, nothing above U+10FFFF).
+std::size_t utf8SequenceAt(std::string_view b) {
+    const auto in = [&](std::size_t i, unsigned lo, unsigned hi) {
+        return i < b.size() && static_cast<unsigned char>(b[i]) >= lo &&
+               static_cast<unsigned char>(b[i]) <= hi;
+    };
+    const auto lead = static_cast<unsigned char>(b[0]);
+    if (lead < 0x80) return 1;
+    if (lead >= 0xC2 && lead <= 0xDF) return in(1, 0x80, 0xBF) ? 2 : 0;
+    if (lead >= 0xE0 && lead <= 0xEF) {
+        const bool second = in(1, lead == 0xE0 ? 0xA0 : 0x80, lead == 0xED ? 0x9F : 0xBF);
+        return second && in(2, 0x80, 0xBF) ? 3 : 0;
+    }
+    if (lead >= 0xF0 && lead <= 0xF4) {
+        const bool second = in(1, lead == 0xF0 ? 0x90 : 0x80, lead == 0xF4 ? 0x8F : 0xBF);
+        return second && in(2, 0x80, 0xBF) && in(3, 0x80, 0xBF) ? 4 : 0;
+    }
+    return 0;
+}
+
+// ext labels are UTF-8 by convention only: a byte that does not fit becomes U+FFFD.
+std::string validUtf8(std::string_view bytes) {
+    std::string out;
+    while (!bytes.empty()) {
+        const std::size_t n = utf8SequenceAt(bytes);
+        if (n)
+            out += bytes.substr(0, n);
+        else
+            appendUtf8(out, 0xFFFD);
+        bytes.remove_prefix(n ? n : 1);
+    }
+    return out;
+}
+
 struct FatLayout {
     std::uint32_t bytesPerSector = 0, sectorsPerCluster = 0, reserved = 0, fats = 0;
     std::uint32_t rootEntries = 0, totalSectors = 0, fatSectors = 0, rootCluster = 0;
@@ -155,8 +205,10 @@ std::optional<VolumeProbe> probeExfat(const SectorReader& read, std::string_view
         if (type == 0x00) break;
         if (type != 0x83) continue;
         const std::uint32_t count = std::min<std::uint32_t>(le(dir, at + 1, 1), 11);
+        std::u16string units;
         for (std::uint32_t i = 0; i < count; ++i)
-            appendUtf8(p.label, static_cast<char16_t>(le(dir, at + 2 + i * 2, 2)));
+            units += static_cast<char16_t>(le(dir, at + 2 + i * 2, 2));
+        p.label = utf16ToUtf8(units);
         break;
     }
     return p;
@@ -173,7 +225,7 @@ std::optional<VolumeProbe> probeExt(const SectorReader& read) {
     p.fileSystemName = extents ? "ext4" : journal ? "ext3" : "ext2";
     p.serialNumber = le(sb, 104, 4);
     p.hasSerial = true;
-    p.label = trimRight(sb.substr(120, 16));
+    p.label = validUtf8(trimRight(sb.substr(120, 16)));
     p.totalBytes = std::uint64_t(le(sb, 4, 4)) << (10 + logBlockSize);
     return p;
 }
