@@ -19,6 +19,9 @@ else
     status=1
 fi
 
+echo "== Fuzzing (sanitized harnesses: corpus replay, then a few seconds each) =="
+scripts/fuzz.sh --seconds 8 || status=1
+
 echo "== Tests =="
 (cd "$build" && ctest --output-on-failure -j "$(nproc)") || status=1
 exit $status
