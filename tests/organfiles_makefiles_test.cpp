@@ -96,6 +96,14 @@ TEST_F(OrganMakeFiles, StopsAtTheOrgansNumberRange) {
     EXPECT_FALSE(tree.exists("FAKEPRFILES - R/SUSONG41.LMR"));
 }
 
+TEST_F(OrganMakeFiles, WritesOnlyTheChosenFamilies) {
+    RandomSource random(1);
+    MakeFilesRequest request{tree.root(), "F", 2, 1};
+    request.families = {Series::E};
+    EXPECT_EQ(MakeFiles(ctx, request, random).written,
+              (std::vector<std::string>{"EPSET001.EPG", "EPSET002.EPG", "ESONG001.EMR"}));
+}
+
 TEST_F(OrganMakeFiles, UnwritableFolderGoesToTheErrorHandler) {
     tree.write("FAKEPRFILES - F", "a file where the folder should be");
     ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);

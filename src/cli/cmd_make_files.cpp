@@ -12,6 +12,15 @@
 namespace tvk::cli {
 namespace {
 
+std::vector<std::string> splitList(const std::string& text) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (std::size_t comma; (comma = text.find(',', start)) != std::string::npos; start = comma + 1)
+        parts.push_back(trim(text.substr(start, comma - start)));
+    parts.push_back(trim(text.substr(start)));
+    return parts;
+}
+
 bool takeNumber(std::vector<std::string>& args, const std::string& name, long long& value,
                 ConsoleInteraction& ui) {
     std::string text;
@@ -33,9 +42,20 @@ int runMakeFiles(std::vector<std::string>& args, ConsoleInteraction& ui) {
         !takeNumber(args, "--seed", seed, ui))
         return 2;
     takeOption(args, "--suffix", request.suffix);
+    std::string families;
+    if (takeOption(args, "--families", families)) {
+        request.families.clear();
+        for (const Series s : {Series::SU, Series::A, Series::E})
+            for (const auto& code : splitList(toUpperAscii(families)))
+                if (code == seriesCode(s)) request.families.push_back(s);
+        if (request.families.empty()) {
+            ui.err() << "tvk make-files: --families takes SU, A and E, separated by commas\n";
+            return 2;
+        }
+    }
     if (args.size() != 1) {
         ui.err() << "usage: tvk make-files DIR [--presets N] [--songs N] [--seed N] "
-                    "[--suffix TEXT]\n";
+                    "[--suffix TEXT] [--families SU,A,E]\n";
         return 2;
     }
     request.parent = pathFromUtf8(args[0]);
@@ -57,7 +77,8 @@ int runMakeFiles(std::vector<std::string>& args, ConsoleInteraction& ui) {
 }  // namespace
 
 TVK_CLI_COMMAND(make_files,
-                {"make-files", "DIR [--presets N] [--songs N] [--seed N] [--suffix TEXT]",
+                {"make-files",
+                 "DIR [--presets N] [--songs N] [--seed N] [--suffix TEXT] [--families SU,A,E]",
                  "write test preset and song files into DIR/FAKEPRFILES - ...", runMakeFiles});
 
 }  // namespace tvk::cli

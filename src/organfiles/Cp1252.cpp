@@ -14,11 +14,17 @@ constexpr std::array<char32_t, 32> kHigh = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-int byteFor(char32_t c) {
+// The byte of a character, or -1 when the page has none.
+int byteOrNone(char32_t c) {
     if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<int>(c);
     for (std::size_t i = 0; i < kHigh.size(); ++i)
         if (kHigh[i] == c) return static_cast<int>(0x80 + i);
-    return '?';
+    return -1;
+}
+
+int byteFor(char32_t c) {
+    const int b = byteOrNone(c);
+    return b < 0 ? '?' : b;
 }
 
 // Decodes one UTF-8 sequence at `i`; a malformed byte stands for itself as Latin-1, so
@@ -59,6 +65,24 @@ std::string utf8ToCp1252(std::string_view utf8) {
     std::string out;
     out.reserve(utf8.size());
     for (std::size_t i = 0; i < utf8.size();) out += static_cast<char>(byteFor(decodeAt(utf8, i)));
+    return out;
+}
+
+bool fitsCp1252(std::string_view utf8) {
+    for (std::size_t i = 0; i < utf8.size();)
+        if (byteOrNone(decodeAt(utf8, i)) < 0) return false;
+    return true;
+}
+
+char cp1252Upper(char byte) {
+    const auto b = static_cast<unsigned char>(byte);
+    const bool small = (b >= 'a' && b <= 'z') || (b >= 0xE0 && b <= 0xFE && b != 0xF7);
+    return small ? static_cast<char>(b - 0x20) : byte;
+}
+
+std::string cp1252Upper(std::string_view bytes) {
+    std::string out(bytes);
+    for (char& ch : out) ch = cp1252Upper(ch);
     return out;
 }
 

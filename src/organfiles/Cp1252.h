@@ -16,4 +16,13 @@ std::string cp1252ToUtf8(std::string_view bytes);
 // widths counted in characters stay widths in bytes.
 std::string utf8ToCp1252(std::string_view utf8);
 
+// True when every character of the text has its own Windows-1252 byte, so writing it
+// into a file never turns anything into '?'.
+bool fitsCp1252(std::string_view utf8);
+
+// Upper case of Windows-1252 bytes, letter for letter as utf8ToUpper does it: ASCII and
+// the Latin-1 small letters; every other byte stays.
+std::string cp1252Upper(std::string_view bytes);
+char cp1252Upper(char byte);
+
 }  // namespace tvk

@@ -29,12 +29,6 @@ constexpr std::array<const char*, 16> kVoices = {
 
 constexpr char kSerialCharacters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
 
-std::string padded(const std::string& text, std::size_t width) {
-    std::string bytes = utf8ToCp1252(utf8Left(text, width));
-    bytes.resize(width, ' ');
-    return bytes;
-}
-
 void putField(std::string& file, std::int32_t position, const std::string& bytes) {
     const auto at = static_cast<std::size_t>(position - 1);
     if (file.size() < at + bytes.size()) file.resize(at + bytes.size(), '\0');
@@ -87,11 +81,11 @@ std::string makeRegistrationName(RandomSource& random) {
 std::string buildTestFile(Series family, FileKind kind, const std::string& name,
                           RandomSource& random) {
     const bool preset = kind == FileKind::Preset;
-    std::string file = organHeader(family) + padded(name, kNameWidth) +
+    std::string file = organHeader(family) + fieldBytes(name, kNameWidth) +
                        (preset ? "Preset " : "Song   ") + "   " + std::string(kCrLf);
     for (const auto& code : buttonCodes(family)) {
         const std::int32_t position = calcAddress(family, kind, code);
-        putField(file, position, padded(makeRegistrationName(random), kNameWidth));
+        putField(file, position, fieldBytes(makeRegistrationName(random), kNameWidth));
         // Each record is full length, so the file ends after the last whole record.
         if (file.size() < static_cast<std::size_t>(position - 1 + recordLength(family)))
             file.resize(static_cast<std::size_t>(position - 1 + recordLength(family)), '\0');
@@ -138,13 +132,14 @@ MakeFilesResult MakeFiles(Context& ctx, const MakeFilesRequest& request, RandomS
                     [&] { std::filesystem::create_directories(result.folder); }))
             return;
 
-        const std::array<Job, 6> jobs = {
-            {{Series::SU, FileKind::Preset, request.presetsPerFamily},
-             {Series::A, FileKind::Preset, request.presetsPerFamily},
-             {Series::E, FileKind::Preset, request.presetsPerFamily},
-             {Series::SU, FileKind::Recording, request.songsPerFamily},
-             {Series::A, FileKind::Recording, request.songsPerFamily},
-             {Series::E, FileKind::Recording, request.songsPerFamily}}};
+        std::vector<Job> jobs;
+        for (const FileKind kind : {FileKind::Preset, FileKind::Recording})
+            for (const Series family : {Series::SU, Series::A, Series::E})
+                if (std::find(request.families.begin(), request.families.end(), family) !=
+                    request.families.end())
+                    jobs.push_back({family, kind,
+                                    kind == FileKind::Preset ? request.presetsPerFamily
+                                                             : request.songsPerFamily});
         int total = 0;
         for (const auto& job : jobs) total += std::max(0, job.count);
         ctx.ui.showProgress(std::max(total, 1));

@@ -43,6 +43,7 @@ struct MakeFilesRequest {
     std::string suffix;            // of the folder name; empty: RandomSN
     int presetsPerFamily = 10;
     int songsPerFamily = 5;
+    std::vector<Series> families = {Series::SU, Series::A, Series::E};
 };
 
 struct MakeFilesResult {

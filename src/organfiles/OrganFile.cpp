@@ -137,6 +137,12 @@ std::string fieldAt(std::string_view bytes, std::int32_t position, std::size_t w
     return cp1252ToUtf8(bytes.substr(static_cast<std::size_t>(position - 1), width));
 }
 
+std::string fieldBytes(std::string_view name, std::size_t width) {
+    std::string bytes = utf8ToCp1252(utf8Left(name, width));
+    bytes.resize(width, ' ');
+    return bytes;
+}
+
 std::int32_t calcAddress(std::string_view family, std::string_view kind, std::string_view button) {
     Family f{};
     if (!familyOf(family, f)) return 0;

@@ -38,6 +38,8 @@ std::string readPresetName(const std::filesystem::path& file);
 // The `width` bytes at a 1-based position of a file's bytes, as UTF-8 and untrimmed;
 // shorter (or empty) where the file ends first.
 std::string fieldAt(std::string_view bytes, std::int32_t position, std::size_t width = kNameWidth);
+// The bytes written for a name: Windows-1252, cut or padded with spaces to `width`.
+std::string fieldBytes(std::string_view name, std::size_t width = kNameWidth);
 
 // The record position of a button code ("A1", "E10", "0" for the file's own name).
 // `family` is "S", "A" or "E"; `kind` is "PRESET" or "RECORDING"; anything else gives 0.

@@ -1,0 +1,78 @@
+// tvk names, edit-names and search: the console view of the editor, its refusals, and the
+// search's console conversation and exit codes.
+
+#include <gtest/gtest.h>
+
+#include "app/Text.h"
+#include "organfiles/MakeFiles.h"
+#include "support/TempTree.h"
+
+namespace tvk {
+namespace {
+
+struct TvkNames : ::testing::Test {
+    test::TempTree tree;
+    std::string out;
+    int run(const std::string& args, const std::string& input = {}) {
+        return test::runCommand(
+            "printf '" + input + "' | " + std::string(TVK_CLI_PATH) + " " + args + " 2>&1", &out);
+    }
+    std::string file(const char* name) { return "'" + pathToUtf8(tree.path(name)) + "'"; }
+};
+
+TEST_F(TvkNames, EditNamesCommitsAndPrintsTheView) {
+    RandomSource random(2);
+    const std::string original = buildTestFile(Series::A, FileKind::Preset, "Old", random);
+    tree.write("APSET001.LPG", original);
+    ASSERT_EQ(run("edit-names " + file("APSET001.LPG") +
+                  " --file-name 'New Name' A0=Tuba "
+                  "E10='Sixteen chars ok'"),
+              0)
+        << out;
+    EXPECT_TRUE(startsWith(out, "0\tNew Name\nA0\tTuba\nA1\t")) << out;
+    EXPECT_TRUE(endsWith(out, "\nE10\tSixteen chars ok\n")) << out;
+    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 56);
+    ASSERT_EQ(run("names " + file("APSET001.LPG")), 0);
+    EXPECT_TRUE(startsWith(out, "0\tNew Name\nA0\tTuba\n")) << out;
+
+    const std::string edited = tree.read("APSET001.LPG");
+    struct Case {
+        std::string args;
+        int exitCode;
+        const char* says;
+    };
+    const Case refused[] = {
+        {"A0='Seventeen chars!!'", 2, "longer than 16"},
+        {"A0='Piano \xE2\x86\x92'", 2, "cannot show"},
+        {"Z9=x", 2, "not CODE=NAME"},
+        {"--file-name 'Sixteen chars ok'", 2, "longer than 15"},
+    };
+    for (const auto& c : refused) {
+        SCOPED_TRACE(c.args);
+        EXPECT_EQ(run("edit-names " + file("APSET001.LPG") + " " + c.args), c.exitCode);
+        EXPECT_NE(out.find(c.says), std::string::npos) << out;
+        EXPECT_TRUE(tree.read("APSET001.LPG") == edited);
+    }
+    EXPECT_EQ(run("names " + file("SUPSET01.LPG")), 1);  // not there
+    EXPECT_NE(out.find("Err#53"), std::string::npos) << out;
+}
+
+TEST_F(TvkNames, SearchAnswersOnTheConsole) {
+    RandomSource random(2);
+    tree.write("s/EPSET001.EPG", buildTestFile(Series::E, FileKind::Preset, "Mine", random));
+    const std::string folder = " --folder " + file("s");
+    ASSERT_EQ(run("search Mine --whole-word --presets" + folder), 1) << out;  // not a button
+    EXPECT_NE(out.find("[NO MATCHES] Search complete"), std::string::npos) << out;
+    // Every generated name is shorter than its field, so each holds a space.
+    ASSERT_EQ(run("search ' ' --presets --count-only" + folder), 0) << out;
+    EXPECT_NE(out.find("[MATCHES FOUND] \" \" was found 55 times."), std::string::npos) << out;
+    // Yes, then No: two boxes and no summary.
+    ASSERT_EQ(run("search ' ' --presets" + folder, "Yes\\nNo\\n"), 0) << out;
+    EXPECT_EQ(std::count(out.begin(), out.end(), '['), 2) << out;
+    EXPECT_EQ(out.find("MATCHES FOUND"), std::string::npos);
+    EXPECT_EQ(run("search ''" + folder), 1);
+    EXPECT_NE(out.find("[SEARCH] Enter the text to search for."), std::string::npos) << out;
+}
+
+}  // namespace
+}  // namespace tvk
