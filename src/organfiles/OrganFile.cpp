@@ -63,26 +63,6 @@ bool familyOf(std::string_view letter, Family& out) {
 
 }  // namespace
 
-std::string readWholeFile(const std::filesystem::path& file) {
-    std::ifstream in = openForReading(file);
-    std::error_code ec;
-    const auto size = std::filesystem::file_size(file, ec);
-    std::string bytes;
-    if (!ec) {
-        bytes.resize(static_cast<std::size_t>(size));
-        bytes.resize(static_cast<std::size_t>(in.rdbuf()->sgetn(bytes.data(), bytes.size())));
-        // A file that grew since the size was taken is read to its end.
-        char more[4096];
-        for (std::streamsize n; (n = in.rdbuf()->sgetn(more, sizeof more)) > 0;)
-            bytes.append(more, n);
-    } else {
-        char more[16384];
-        for (std::streamsize n; (n = in.rdbuf()->sgetn(more, sizeof more)) > 0;)
-            bytes.append(more, n);
-    }
-    return bytes;
-}
-
 std::string readFirstLine(const std::filesystem::path& file) {
     std::ifstream in = openForReading(file);
     std::string bytes(kFirstBlock, '\0');

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/FileIO.h"  // readWholeFile
 #include "organfiles/OrganNames.h"
 
 namespace tvk {
@@ -16,9 +17,6 @@ namespace tvk {
 inline constexpr std::string_view kBrandMark = "TAVRN";
 inline constexpr std::int32_t kNamePosition = 33;  // 1-based, as the program counts
 inline constexpr std::size_t kNameWidth = 16;
-
-// The whole file in one read. Throws RuntimeError 53 when missing.
-std::string readWholeFile(const std::filesystem::path& file);
 
 // The bytes of the first text line (up to the first CR or LF), still in Windows-1252.
 // Reads a small block first and more only for a line that runs on. An empty file

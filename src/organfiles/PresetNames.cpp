@@ -1,9 +1,8 @@
 #include "organfiles/PresetNames.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
 
+#include "app/FileIO.h"
 #include "app/Routine.h"
 #include "app/Text.h"
 #include "organfiles/Cp1252.h"
@@ -21,33 +20,6 @@ void tell(Context& ctx, const std::string& text) {
 
 std::string quoted(const std::filesystem::path& file) {
     return "\"" + fileNameUtf8(file) + "\"";
-}
-
-// The file's new contents go to a temporary name beside it and replace it only once
-// complete, so a full disk or a pulled stick leaves the old file whole.
-void replaceWholeFile(const std::filesystem::path& file, const std::string& bytes) {
-    std::filesystem::path temporary = file;
-    temporary += ".tvk-new";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        if (!out) throw RuntimeError::fromErrno(errno ? errno : EACCES, pathToUtf8(temporary));
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        out.close();
-        if (!out) {
-            const int err = errno ? errno : EIO;
-            std::error_code ignored;
-            std::filesystem::remove(temporary, ignored);
-            throw RuntimeError::fromErrno(err, pathToUtf8(temporary));
-        }
-    }
-    std::error_code ec;
-    std::filesystem::permissions(temporary, std::filesystem::status(file, ec).permissions(), ec);
-    std::filesystem::rename(temporary, file, ec);
-    if (ec) {
-        std::error_code ignored;
-        std::filesystem::remove(temporary, ignored);
-        throwIfError(ec, pathToUtf8(file));
-    }
 }
 
 bool isReadOnly(const std::filesystem::path& file) {
@@ -190,7 +162,7 @@ bool commitPresetNames(Context& ctx, const PresetNames& loaded, const PresetName
             if (edit.names[i] != loaded.boxes[i].name)
                 putField(bytes, loaded.boxes[i].position, fieldBytes(edit.names[i], width));
         if (bytes != before && !r.step("Write the names into " + pathToUtf8(loaded.file),
-                                       [&] { replaceWholeFile(loaded.file, bytes); }))
+                                       [&] { writeFileReplacing(loaded.file, bytes); }))
             return;
         written = true;
     });
