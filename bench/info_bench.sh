@@ -8,12 +8,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-build=${TVK_BENCH_BUILD:-build-bench-info}
-runs=${RUNS:-5}
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTVK_BUILD_GUI=OFF \
-    -DTVK_BUILD_TESTS=OFF -DTVK_BUILD_BENCH=OFF >/dev/null
-ninja -C "$build" tvk >/dev/null
-tvk="$PWD/$build/src/tvk"
+source bench/bench_lib.sh
+build_tvk "${TVK_BENCH_BUILD:-build-bench-info}"
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -30,19 +26,6 @@ mkdir "$work/mp3"
 for i in $(seq -w 1 100); do cp "$work/tone.mp3" "$work/mp3/track$i.mp3"; done
 mapfile -t mp3s < <(find "$work/mp3" -name '*.mp3' | sort)
 
-# Best wall time of $runs runs of a command, in milliseconds.
-best_ms() {
-    local best=0 start end ms
-    for ((i = 0; i < runs; i++)); do
-        start=$(date +%s%N)
-        "$@" >/dev/null
-        end=$(date +%s%N)
-        ms=$(((end - start) / 1000))
-        if ((best == 0 || ms < best)); then best=$ms; fi
-    done
-    echo "$best"
-}
-
 report() {
     local label=$1
     shift
@@ -51,8 +34,8 @@ report() {
     cat "${files[@]}" >/dev/null  # warm the cache for both
     bytes=$(du -cb "${files[@]}" | tail -1 | cut -f1)
     local info cat
-    info=$(best_ms "$tvk" info "${files[@]}")
-    cat=$(best_ms cat "${files[@]}")
+    info=$(best_us "$tvk" info "${files[@]}")
+    cat=$(best_us cat "${files[@]}")
     awk -v l="$label" -v n="${#files[@]}" -v b="$bytes" -v i="$info" -v c="$cat" 'BEGIN {
         printf "%-8s %5d files %8.1f MB   tvk info %8.2f ms   cat %8.2f ms   ratio %5.2f\n",
                l, n, b / 1048576, i / 1000, c / 1000, i / c }'

@@ -7,7 +7,10 @@
 #include "library/Selection.h"
 #include "ui/FolderTree.h"
 #include "ui/MainWindow.h"
+#include "ui/MakeFilesDialog.h"
+#include "ui/PresetRenameDialog.h"
 #include "ui/QtText.h"
+#include "ui/SearchDialog.h"
 
 namespace tvk::ui {
 
@@ -78,12 +81,39 @@ void MainWindow::buildMenus() {
         connect(actions_.at(name), &QAction::triggered, this, handler);
     };
     on("mnuFileQuit", [this] { close(); });
-    on("mnuOpen", [this] {
+    // The one file selected in the file list last worked in; empty otherwise.
+    auto selectedFile = [this]() -> std::filesystem::path {
+        auto* list = session_.state.activeList == "flbUSB" ? flbUSB_ : flbDocs_;
+        const auto names = list->selectedNames();
+        if (session_.state.activeList.rfind("flb", 0) != 0 || names.size() != 1) return {};
+        return list->folder() / pathFromUtf8(names.front());
+    };
+    on("mnuOpen", [this, selectedFile] {
         command([&] {
-            auto* list = session_.state.activeList == "flbUSB" ? flbUSB_ : flbDocs_;
-            const auto names = list->selectedNames();
-            if (session_.state.activeList.rfind("flb", 0) != 0 || names.size() != 1) return;
-            openViewer(list->folder() / pathFromUtf8(names.front()));
+            if (const auto file = selectedFile(); !file.empty()) openViewer(file);
+        });
+    });
+    on("mnuEditRename", [this, selectedFile] {
+        command([&] {
+            const auto file = selectedFile();
+            if (file.empty() || !isPresetName(fileNameUtf8(file))) return;
+            PresetRenameDialog dialog(context(), file, this);
+            if (dialog.loaded()) dialog.exec();
+            refreshAll();
+        });
+    });
+    on("mnuEditFind", [this] {
+        command([&] {
+            SearchDialog dialog(context(), this);
+            dialog.exec();
+        });
+    });
+    on("mnuMakeFiles", [this] {
+        command([&] {
+            MakeFilesDialog dialog(context(), this);
+            if (dialog.exec() != QDialog::Accepted) return;
+            dirDocs_->refresh();
+            refreshAll();
         });
     });
     on("mnuEditRefresh", [this] {
@@ -118,8 +148,7 @@ void MainWindow::buildMenus() {
     }
     // Commands still being added to the program say so rather than doing nothing.
     for (const char* name : {"mnuFileRename", "mnuFileConvert", "mnuEditDelete", "mnuEditNewFldr",
-                             "mnuFileEmpty", "mnuFilePrint", "mnuEditFind", "mnuEditRename",
-                             "mnuEditCopy", "mnuEditPaste", "mnuMakeFiles"}) {
+                             "mnuFileEmpty", "mnuFilePrint", "mnuEditCopy", "mnuEditPaste"}) {
         QAction* a = actions_.at(name);
         on(name, [this, a] { command([&] { notAvailable(a->text()); }); });
     }
