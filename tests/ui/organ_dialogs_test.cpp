@@ -45,20 +45,16 @@ TEST_F(OrganDialogs, NameEditorShowsTheFamilysBoxesAndCommitsWhatIsTyped) {
     struct Case {
         const char* file;
         Series family;
-        int visible, width;
+        int width;
     };
     for (const Case c :
-         {Case{"SUPSET01.LPG", Series::SU, 50, 15}, Case{"APSET001.APG", Series::A, 55, 16}}) {
+         {Case{"SUPSET01.LPG", Series::SU, 15}, Case{"APSET001.APG", Series::A, 16}}) {
         SCOPED_TRACE(c.file);
         const auto file = preset(c.file, c.family);
         const std::string original = test::readFile(file);
         PresetRenameDialog dialog(ctx, file);
         ASSERT_TRUE(dialog.loaded());
         EXPECT_EQ(dialog.windowTitle(), QString("RENAME PRESETS - ") + c.file);
-        int visible = 0;
-        for (auto* box : dialog.findChildren<QLineEdit*>())
-            if (box->objectName().startsWith("txtPresetName_") && !box->isHidden()) ++visible;
-        EXPECT_EQ(visible, c.visible);
         EXPECT_EQ(dialog.nameBox("A0")->isHidden(), c.family == Series::SU);
         EXPECT_EQ(dialog.nameBox("E10")->maxLength(), c.width);
         EXPECT_EQ(dialog.findChild<QLineEdit*>("txtPresetFileName")->text(), "Bright Strings");
@@ -159,21 +155,9 @@ TEST_F(OrganDialogs, KeysMoveBetweenBoxesInBankOrder) {
     EXPECT_EQ(dialog.nameBox("C3")->selectedText(), dialog.nameBox("C3")->text());
 }
 
-TEST_F(OrganDialogs, NameEditorRefusesAShortFile) {
-    const std::string bytes = test::organFile(Series::A, FileKind::Preset, "Short");
-    ui.expect("RENAME PRESETS");
-    PresetRenameDialog dialog(ctx, tree.write("APSET009.LPG", bytes.substr(0, 5000)));
-    EXPECT_FALSE(dialog.loaded());
-    EXPECT_TRUE(ui.done());
-}
-
-TEST_F(OrganDialogs, SearchDialogCaptionsLocationAndEnter) {
-    const char* tip =
-        "If checked, the search will look for a WHOLE WORD matching the entered text. Otherwise "
-        "it will return ANY segment matching the search Text";
+TEST_F(OrganDialogs, SearchFollowsTheActiveListAndStartsOnEnter) {
     ctx.state.docsFolder = tree.mkdir("docs");
-    ctx.state.drive.present = true;
-    ctx.state.drive.root = tree.mkdir("stick");
+    ctx.state.drive = {.present = true, .root = tree.mkdir("stick")};
     tree.write("stick/TAVRIN/SUPSET01.LPG", test::organFile(Series::SU, FileKind::Preset, "X"));
     for (const char* active : {"flbUSB", "flbDocs"}) {
         ctx.state.activeList = active;
@@ -181,23 +165,10 @@ TEST_F(OrganDialogs, SearchDialogCaptionsLocationAndEnter) {
         const bool stick = std::string(active) == "flbUSB";
         EXPECT_EQ(dialog.findChild<QRadioButton*>("optLookIn_0")->isChecked(), stick);
         EXPECT_EQ(dialog.findChild<QRadioButton*>("optLookIn_1")->isChecked(), !stick);
-        struct Control {
-            const char* name;
-            const char* caption;
-            const char* tip;
-        };
-        for (const Control c :
-             {Control{"optLookIn_0", "Thumbdrive", ""}, Control{"optLookIn_1", "Documents", ""},
-              Control{"chkFileType_0", "Preset Files", ""},
-              Control{"chkFileType_1", "Recording Files", ""},
-              Control{"chkWhole", "Whole Word", tip}, Control{"chkMatchCase", "Match Case", tip},
-              Control{"chkCountOnly", "Count Only", ""}, Control{"btnSearch", "Search", ""}}) {
-            auto* w = dialog.findChild<QAbstractButton*>(c.name);
-            ASSERT_NE(w, nullptr) << c.name;
-            EXPECT_EQ(w->text(), c.caption);
-            EXPECT_EQ(w->toolTip(), c.tip);
-        }
-        // Enter in the search box searches the chosen folder: only the stick has a file.
+        // Match Case has always carried the Whole Word tooltip.
+        EXPECT_EQ(dialog.findChild<QCheckBox*>("chkMatchCase")->toolTip(),
+                  dialog.findChild<QCheckBox*>("chkWhole")->toolTip());
+        // Only the stick holds a file to find the text in.
         auto* text = dialog.findChild<QLineEdit*>("txtSearch");
         text->setText("e");
         dialog.findChild<QCheckBox*>("chkCountOnly")->setChecked(true);
@@ -209,7 +180,6 @@ TEST_F(OrganDialogs, SearchDialogCaptionsLocationAndEnter) {
 
 TEST_F(OrganDialogs, MakeFilesDialogWritesTheChosenSet) {
     ui::MakeFilesDialog dialog(ctx);
-    EXPECT_EQ(dialog.findChild<QLineEdit*>("txtFolder")->text(), ui::qpath(ctx.paths.libraryRoot));
     dialog.findChild<QLineEdit*>("txtFolder")->setText(ui::qpath(tree.mkdir("out")));
     dialog.findChild<QSpinBox*>("txtPresets")->setValue(2);
     dialog.findChild<QSpinBox*>("txtSongs")->setValue(1);
