@@ -106,7 +106,8 @@ void MakeFilesDialog::btnOK_Click() {
     const Series series[3] = {Series::SU, Series::A, Series::E};
     for (int i = 0; i < 3; ++i)
         if (families_[i]->isChecked()) request.families.push_back(series[i]);
-    if (request.families.empty() || (request.presetsPerFamily == 0 && request.songsPerFamily == 0))
+    if (request.parent.empty() || request.families.empty() ||
+        (request.presetsPerFamily == 0 && request.songsPerFamily == 0))
         return;
     DialogProgress progress(ctx_.ui, progress_);
     Context ctx{ctx_.trace, ctx_.settings, progress,    ctx_.system,
