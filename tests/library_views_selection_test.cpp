@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "app/Text.h"
+#include "library/CopyPaste.h"
 #include "library/Selection.h"
 #include "organfiles/MakeFiles.h"
 #include "support/SessionTest.h"
@@ -112,36 +114,59 @@ TEST(DoubleClick, ActionByListAndExtension) {
         EXPECT_EQ(doubleClickAction(c.list, c.name), c.action) << c.list << " " << c.name;
 }
 
-TEST_F(SelectionFixture, DropModesAndTheBatch) {
+TEST_F(SelectionFixture, DropPasteAndCommandLineModes) {
     const auto lib = tree.mkdir("lib"), other = tree.mkdir("lib/Other");
     const auto stick = tree.mkdir("stick/TAVRIN");
     struct Case {
         const char* from;
         const char* to;
         std::filesystem::path source, destination;
-        const char* mode;
+        CopyMode drop, paste, folders;
     };
+    using M = CopyMode;
     const Case cases[] = {
-        {"flbUSB", "flbDocs", stick, lib, "LEFT"},
-        {"flbDocs", "flbUSB", lib, stick, "RIGHT"},
-        {"flbDocs", "flbDocs", lib, lib / ".", "flbDocs"},
-        {"flbUSB", "flbUSB", stick, stick, "flbUSB"},
-        {"flbDocs", "flbDocs", lib, other, "DIFF"},
+        {"flbUSB", "flbDocs", stick, lib, M::Left, M::Left, M::Left},
+        {"flbDocs", "flbUSB", lib, stick, M::Right, M::Right, M::Right},
+        {"flbDocs", "flbDocs", lib, lib / ".", M::FlbDocs, M::FlbDocs, M::FlbDocs},
+        {"flbUSB", "flbUSB", stick, stick, M::FlbUSB, M::FlbUSB, M::FlbUSB},
+        {"flbDocs", "flbDocs", lib, other, M::Diff, M::Diff, M::Diff},
+        // Paste goes by the source folder's path: a library folder named in capitals
+        // reads as the stick's.
+        {"flbDocs", "flbUSB", tree.mkdir("lib/TAVRIN old"), stick, M::Right, M::Left, M::Right},
     };
     for (const auto& c : cases) {
-        ui.expect("COPY FILES");
-        listDragDrop(ctx, {c.from, c.to, c.source, c.destination, {"a.SPG", "b.mp3"}});
-        const auto& batch = ctx.state.batch;
-        EXPECT_EQ(batch.mode, c.mode) << c.from << " -> " << c.to;
-        EXPECT_EQ(batch.files, (std::vector<std::string>{"a.SPG", "b.mp3"}));
-        EXPECT_EQ(batch.source, c.source);
-        EXPECT_EQ(batch.destination, c.destination);
-        EXPECT_EQ(ctx.state.activeList, c.to);
+        SCOPED_TRACE(std::string(c.from) + " -> " + c.to + " " + pathToUtf8(c.source));
+        EXPECT_EQ(copyModeFor({c.from, c.to, c.source, c.destination, {}}), c.drop);
+        EXPECT_EQ(pasteModeFor({c.from, c.source, {}}, c.to, c.destination), c.paste);
+        EXPECT_EQ(folderCopyMode(c.source, c.destination, stick), c.folders);
     }
-    // Until the copy engine is in, nothing is copied and the box says so.
+}
+
+// A drop from the stick and a paste back: both copy, with the names their mode gives.
+TEST_F(SelectionFixture, ADropAndAPasteCopy) {
+    const auto lib = tree.mkdir("lib");
+    const auto stick = tree.mkdir("stick/TAVRIN");
+    RandomSource random(3);
+    tree.write("stick/TAVRIN/SUPSET07.LPG",
+               buildTestFile(Series::SU, FileKind::Preset, "Bells", random));
+    ctx.state.drive.present = true;
+    ctx.state.drive.root = tree.path("stick");
+    ctx.state.docsFolder = lib;
+
+    const auto report = listDragDrop(ctx, {"flbUSB", "flbDocs", stick, lib, {"SUPSET07.LPG"}});
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->copied, (std::vector<CopiedFile>{{"SUPSET07.LPG", "Bells.SPG"}}));
+    EXPECT_EQ(ctx.state.activeList, "flbDocs");
+
+    ctx.state.selected = {"Bells.SPG"};
+    mnuEditCopy_Click(ctx, "flbDocs");
+    std::filesystem::remove(stick / "SUPSET07.LPG");
+    const auto pasted = mnuEditPaste_Click(ctx, "flbUSB");
+    ASSERT_TRUE(pasted);
+    EXPECT_EQ(pasted->copied, (std::vector<CopiedFile>{{"Bells.SPG", "SUPSET01.LPG"}}));
+    // Only the file lists paste; the focus on a button does nothing.
+    EXPECT_FALSE(mnuEditPaste_Click(ctx, "btnSort"));
     EXPECT_TRUE(ui.done());
-    EXPECT_NE(ui.shown.back().text.find("Nothing was copied"), std::string::npos);
-    EXPECT_FALSE(tree.exists("lib/Other/a.SPG"));
 }
 
 }  // namespace

@@ -34,13 +34,12 @@ struct ContentCounts {
     int presets = 0, music = 0, mp3 = 0, midi = 0, other = 0, all = 0;
 };
 
-// The files a copy command works on (at most 1,500 names).
-struct CopyBatch {
+// What Edit > Copy recorded for a later paste: the program's own, not the system
+// clipboard's.
+struct CopySource {
+    std::string list;  // "flbDocs" or "flbUSB"; empty until something was copied
+    std::filesystem::path folder;
     std::vector<std::string> files;
-    std::filesystem::path source;
-    std::filesystem::path destination;
-    std::string driveLetter;
-    std::string mode;  // "LEFT", "RIGHT", "DIFF" or a list's name
 };
 
 inline constexpr int kMaxSelected = 1500;
@@ -48,7 +47,7 @@ inline constexpr int kMaxSelected = 1500;
 struct MainState {
     std::string activeList;             // "dirDocs", "flbDocs" or "flbUSB"
     std::vector<std::string> selected;  // the selected-file table
-    CopyBatch batch;
+    CopySource copySource;
 
     std::uint8_t series = 0;      // 0 ALL, 1 SU, 2 A, 3 E
     std::string pattern = "*.*";  // the category pattern of both lists

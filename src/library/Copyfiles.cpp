@@ -1,23 +1,267 @@
 #include "library/Copyfiles.h"
 
+#include <array>
+#include <utility>
+
+#include "app/FileIO.h"
+#include "app/PlainFiles.h"
 #include "app/Routine.h"
 #include "app/Text.h"
+#include "library/CopyNames.h"
+#include "organfiles/AnalyzeContent.h"
 
 namespace tvk {
 
-// Until the copy engine is in, say so plainly instead of copying half a batch.
-void Copyfiles(Context& ctx, const std::string& mode) {
-    routine(ctx, "frmMain.Copyfiles", [&](Routine&) {
-        const auto count = ctx.state.batch.files.size();
-        Message box;
-        box.title = "COPY FILES";
-        box.text = "Copying files is not available in this version yet." + std::string(kBlankLine) +
-                   "Nothing was copied; " + std::to_string(count) +
-                   (count == 1 ? " file is" : " files are") + " still only in " +
-                   pathToUtf8(ctx.state.batch.source) + ".";
-        box.icon = Icon::Information;
-        ctx.state.lastAnswer = ctx.ui.message(box);
-    });
+namespace {
+
+constexpr std::array<std::pair<CopyMode, const char*>, 5> kModeNames = {{
+    {CopyMode::Left, "LEFT"},
+    {CopyMode::Right, "RIGHT"},
+    {CopyMode::Diff, "DIFF"},
+    {CopyMode::FlbDocs, "flbDocs"},
+    {CopyMode::FlbUSB, "flbUSB"},
+}};
+
+std::string quoted(const std::filesystem::path& path) {
+    return std::string(kQuote) + pathToUtf8(path) + std::string(kQuote);
+}
+
+bool isNumbered(const NameInfo& info) {
+    return info.type == NameType::PSET || info.type == NameType::SONG;
+}
+
+// One run of the copy engine over a batch.
+class CopyRun {
+  public:
+    CopyRun(Context& ctx, Routine& r, const CopyRequest& request, CopyReport& report)
+        : ctx_(ctx), r_(r), req_(request), report_(report), names_(request.destination, false) {}
+
+    void run() {
+        const std::size_t count = batchSize();
+        r_.step("List " + quoted(req_.destination),
+                [&] { names_ = FolderNames(req_.destination); });
+        ctx_.ui.showProgress(static_cast<int>(count));
+        for (std::size_t i = 0; i < count; ++i) {
+            if (!copyEntry(i)) {
+                // No to the duplicate question ends the batch; the rest stays uncopied.
+                report_.skipped.insert(report_.skipped.end(), req_.files.begin() + i + 1,
+                                       req_.files.begin() + count);
+                break;
+            }
+        }
+        closingSteps();
+    }
+
+  private:
+    // The batch holds 1,500 names; more is an index error, and Ignore copies the first
+    // 1,500.
+    std::size_t batchSize() {
+        if (req_.files.size() <= kMaxCopyBatch) return req_.files.size();
+        r_.step("Copy batch entry " + std::to_string(kMaxCopyBatch + 1), [&] {
+            Routine::raise(kErrSubscriptOutOfRange, std::to_string(req_.files.size()) +
+                                                        " names for " +
+                                                        std::to_string(kMaxCopyBatch) + " places");
+        });
+        return kMaxCopyBatch;
+    }
+
+    bool duplicateMode() const {
+        return req_.mode == CopyMode::FlbDocs || req_.mode == CopyMode::FlbUSB;
+    }
+
+    // False when the user ended the batch.
+    bool copyEntry(std::size_t index) {
+        const std::string& name = req_.files[index];
+        ctx_.ui.setStatus(StatusPanel::Progress, "Copying file \"" + name + "\"");
+        ctx_.ui.setProgress(static_cast<int>(index + 1));
+        ctx_.ui.processEvents();
+
+        const NameInfo info = classifyName(name);
+        if (info.number) counter_ = *info.number;
+        counter_ = req_.numberSeq == 1 ? counter_ + 1 : 1;
+
+        if (duplicateMode()) {
+            // A list's name copies only in that list; any other word copies nothing.
+            if (copyModeName(req_.mode) != ctx_.state.activeList) {
+                report_.skipped.push_back(name);
+                return true;
+            }
+            if (!askForDuplicate()) {
+                report_.skipped.push_back(name);
+                return false;
+            }
+            counter_ = 0;  // so the first duplicate is numbered from 0
+        }
+        copyOne(name, info);
+        return true;
+    }
+
+    bool askForDuplicate() {
+        const Answer answer = ctx_.ui.message(Message{
+            "DUPLICATE FILE",
+            "Do you want to make a duplicate file in the " + quoted(req_.destination) + " folder?",
+            Buttons::YesNo, Icon::Question, 1});
+        ctx_.state.lastAnswer = answer;
+        return answer == Answer::Yes;
+    }
+
+    // The name and the copy are one step, so Retry chooses the name again: a file that
+    // came back may read differently, and a name taken meanwhile is passed over. A failure
+    // stays in the report when the user goes on without the file or aborts.
+    void copyOne(const std::string& name, const NameInfo& info) {
+        const auto source = req_.source / pathFromUtf8(name);
+        const int counter = counter_, duplicates = report_.duplicates;
+        std::optional<std::string> target;
+        bool failed = false;
+        const bool done = r_.step("Copy " + quoted(source), [&] {
+            counter_ = counter;
+            report_.duplicates = duplicates;
+            if (std::exchange(failed, false)) report_.failures.pop_back();
+            try {
+                target = destinationName(name, info, source);
+                if (!target) return;
+                const auto destination = req_.destination / pathFromUtf8(*target);
+                r_.setTask("Copy " + quoted(source) + " to " + quoted(destination));
+                copyFileSafely(source, destination,
+                               [&](std::uintmax_t, std::uintmax_t) { ctx_.ui.processEvents(); });
+            } catch (const std::exception&) {
+                report_.failures.push_back({name, RuntimeError::fromCurrentException().number()});
+                failed = true;
+                throw;
+            }
+        });
+        if (!done) return;
+        if (!target) {
+            report_.skipped.push_back(name);
+            return;
+        }
+        names_.add(*target);
+        report_.copied.push_back({name, *target});
+    }
+
+    // nullopt skips the file.
+    std::optional<std::string> destinationName(const std::string& name, const NameInfo& info,
+                                               const std::filesystem::path& source) {
+        switch (req_.mode) {
+            case CopyMode::Right:
+                return toStick(name, info);
+            case CopyMode::Left:
+                return toLibrary(name, info, source);
+            case CopyMode::Diff:
+                return betweenFolders(name, info, source);
+            case CopyMode::FlbDocs:
+            case CopyMode::FlbUSB:
+                return duplicate(name, info);
+        }
+        return std::nullopt;
+    }
+
+    std::string sameName(const std::string& name) {
+        return freeSuffixName(names_, name, splitExtension(name), counter_, report_.duplicates);
+    }
+
+    std::string readable(const std::filesystem::path& source, Series family, bool song) {
+        const std::string base = readableName(ctx_, source);
+        const std::string extension = seriesExtension(family, song);
+        return freeSuffixName(names_, base + extension, {base, extension}, counter_,
+                              report_.duplicates);
+    }
+
+    std::optional<std::string> toStick(const std::string& name, const NameInfo& info) {
+        if (info.kind != FileKind::Preset && info.kind != FileKind::Recording)
+            return sameName(name);
+        const auto family = seriesFromLetter(info.seriesLetter);
+        if (!family) return std::nullopt;
+        const bool song = info.kind == FileKind::Recording;
+        return freeOrganNumberName(names_, organPrefix(*family, song), counter_,
+                                   organNumberWidth(*family), stickExtension(*family, song));
+    }
+
+    std::optional<std::string> toLibrary(const std::string& name, const NameInfo& info,
+                                         const std::filesystem::path& source) {
+        const std::string ext = extensionOf(name);
+        if (ext == "EPG" || ext == "EMR") return readable(source, Series::E, ext == "EMR");
+        if (!isGenericExtension(ext)) return sameName(name);
+        const auto family = seriesFromLetter(info.seriesLetter);
+        if (!family || *family == Series::E) return std::nullopt;
+        return readable(source, *family, ext == "LMR");
+    }
+
+    std::optional<std::string> betweenFolders(const std::string& name, const NameInfo& info,
+                                              const std::filesystem::path& source) {
+        const bool organFile = info.kind == FileKind::Preset || info.kind == FileKind::Recording;
+        const auto family = seriesFromLetter(info.seriesLetter);
+        if (!isNumbered(info) || !organFile || !family) return sameName(name);
+        return readable(source, *family, info.type == NameType::SONG);
+    }
+
+    std::optional<std::string> duplicate(const std::string& name, const NameInfo& info) {
+        const auto family = seriesFromLetter(info.seriesLetter);
+        if (!isNumbered(info) || !family) return sameName(name);
+        return freeOrganNumberName(names_, organPrefix(*family, info.type == NameType::SONG),
+                                   counter_, organNumberWidth(*family), "." + extensionOf(name));
+    }
+
+    void closingSteps() {
+        if (!req_.stickFolder.empty()) {
+            AnalyzeContent(ctx_, req_.stickFolder);
+            bool organFiles = true;
+            r_.step("Look for presets and recordings in " + quoted(req_.stickFolder),
+                    [&] { organFiles = !listPlainFiles(req_.stickFolder, "*.?pg;*.?mr").empty(); });
+            if (organFiles)
+                ctx_.state.enabled["btnSort"] = true;
+            else
+                ctx_.state.enabled[controlName("btnUSB_Docs", 3)] = false;
+        }
+        if (report_.duplicates > 0) {
+            ctx_.ui.message(Message{"DUPLICATE FILES",
+                                    "There are " + std::to_string(report_.duplicates) +
+                                        " duplicate files marked with (#)",
+                                    Buttons::Ok, Icon::Information, 1});
+        }
+    }
+
+    Context& ctx_;
+    Routine& r_;
+    const CopyRequest& req_;
+    CopyReport& report_;
+    FolderNames names_;
+    int counter_ = 0;  // supplies file numbers and bracketed counters
+};
+
+}  // namespace
+
+const char* copyModeName(CopyMode mode) {
+    for (const auto& [m, name] : kModeNames)
+        if (m == mode) return name;
+    return "";
+}
+
+std::optional<CopyMode> copyModeFromName(std::string_view name) {
+    for (const auto& [m, word] : kModeNames)
+        if (name == word) return m;
+    return std::nullopt;
+}
+
+CopyRequest copyRequest(const Context& ctx, std::vector<std::string> files,
+                        std::filesystem::path source, std::filesystem::path destination,
+                        CopyMode mode) {
+    CopyRequest request;
+    request.files = std::move(files);
+    request.source = std::move(source);
+    request.destination = std::move(destination);
+    request.mode = mode;
+    if (ctx.state.drive.present) request.stickFolder = ctx.state.drive.tavrinFolder();
+    request.numberSeq = ctx.settings.numberSeq;
+    return request;
+}
+
+CopyReport Copyfiles(Context& ctx, const CopyRequest& request) {
+    CopyReport report;
+    report.completed = routine(ctx, "frmMain.Copyfiles",
+                               [&](Routine& r) { CopyRun(ctx, r, request, report).run(); });
+    ctx.ui.hideProgress();
+    return report;
 }
 
 }  // namespace tvk

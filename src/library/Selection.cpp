@@ -5,7 +5,6 @@
 
 #include "app/Routine.h"
 #include "app/Text.h"
-#include "library/Copyfiles.h"
 #include "organfiles/DisplayFileInfo.h"
 
 namespace tvk {
@@ -120,25 +119,20 @@ bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) 
     return a.lexically_normal() == b.lexically_normal();
 }
 
-std::string copyModeFor(const DropRequest& drop) {
+CopyMode copyModeFor(const DropRequest& drop) {
     if (drop.sourceList != drop.destinationList)
-        return drop.destinationList == "flbUSB" ? "RIGHT" : "LEFT";
-    if (sameFolder(drop.sourceFolder, drop.destinationFolder)) return drop.destinationList;
-    return "DIFF";
+        return drop.destinationList == "flbUSB" ? CopyMode::Right : CopyMode::Left;
+    if (sameFolder(drop.sourceFolder, drop.destinationFolder))
+        return drop.destinationList == "flbUSB" ? CopyMode::FlbUSB : CopyMode::FlbDocs;
+    return CopyMode::Diff;
 }
 
-void listDragDrop(Context& ctx, const DropRequest& drop) {
-    routine(ctx, "frmMain." + drop.destinationList + "_OLEDragDrop", [&](Routine& r) {
-        auto& state = ctx.state;
-        state.activeList = drop.destinationList;
-        auto& batch = state.batch;
-        fillSelectedTable(r, batch.files, drop.files, "Copy batch entry");
-        batch.source = drop.sourceFolder;
-        batch.destination = drop.destinationFolder;
-        batch.driveLetter = state.drive.present ? state.drive.letter : std::string();
-        batch.mode = copyModeFor(drop);
-        state.lastAction = "DROP";
-        Copyfiles(ctx, batch.mode);
+std::optional<CopyReport> listDragDrop(Context& ctx, const DropRequest& drop) {
+    return routine(ctx, "frmMain." + drop.destinationList + "_OLEDragDrop", [&](Routine&) {
+        ctx.state.activeList = drop.destinationList;
+        ctx.state.lastAction = "DROP";
+        return Copyfiles(ctx, copyRequest(ctx, drop.files, drop.sourceFolder,
+                                          drop.destinationFolder, copyModeFor(drop)));
     });
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/Context.h"
+#include "library/Copyfiles.h"
 
 namespace tvk {
 
@@ -60,10 +61,11 @@ struct DropRequest {
 
 // "LEFT" onto the computer list from the thumbdrive, "RIGHT" the other way, the list's
 // own name for the same folder, "DIFF" for two folders on the same side.
-std::string copyModeFor(const DropRequest& drop);
+CopyMode copyModeFor(const DropRequest& drop);
 bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b);
 
-// A drop: fills the copy batch and hands it to Copyfiles with the mode.
-void listDragDrop(Context& ctx, const DropRequest& drop);
+// A drop: copies the dragged files with the mode the drop means. nullopt when the user
+// aborted before the copy began.
+std::optional<CopyReport> listDragDrop(Context& ctx, const DropRequest& drop);
 
 }  // namespace tvk

@@ -10,6 +10,7 @@
 #include "app/Routine.h"
 #include "drive/VolumeCommands.h"
 #include "library/CategoryViews.h"
+#include "library/CompareFiles.h"
 #include "library/Selection.h"
 #include "organfiles/OrganFile.h"
 #include "organfiles/OrganNames.h"
@@ -74,9 +75,14 @@ void MainWindow::connectSignals() {
             refreshAll();
         });
     });
-    for (auto* b : {btnSort_, btnCompare_})
-        connect(b, &QPushButton::clicked, this,
-                [this, b] { command([&] { notAvailable(b->text().replace('\n', ' ')); }); });
+    connect(btnSort_, &QPushButton::clicked, this,
+            [this] { command([&] { notAvailable(btnSort_->text()); }); });
+    connect(btnCompare_, &QPushButton::clicked, this, [this] {
+        command([&] {
+            auto ctx = context();
+            btnCompare_Click(ctx);
+        });
+    });
 }
 
 void MainWindow::listClicked(FileListWidget* list) {

@@ -4,6 +4,7 @@
 
 #include "drive/VolumeCommands.h"
 #include "library/CategoryViews.h"
+#include "library/CopyPaste.h"
 #include "library/Selection.h"
 #include "ui/FolderTree.h"
 #include "ui/MainWindow.h"
@@ -130,6 +131,19 @@ void MainWindow::buildMenus() {
             refreshAll();
         });
     });
+    on("mnuEditCopy", [this] {
+        command([&] {
+            auto ctx = context();
+            mnuEditCopy_Click(ctx, session_.state.activeList);
+        });
+    });
+    on("mnuEditPaste", [this] {
+        command([&] {
+            auto ctx = context();
+            mnuEditPaste_Click(ctx, session_.state.activeList);
+            refreshAll();
+        });
+    });
     on("mnuEditPrefs", [this] { showPreferences(); });
     on("mnuHelpAbout", [this] { showAbout(); });
     on("mnuHelpManual", [this] { openManual(); });
@@ -148,7 +162,7 @@ void MainWindow::buildMenus() {
     }
     // Commands still being added to the program say so rather than doing nothing.
     for (const char* name : {"mnuFileRename", "mnuFileConvert", "mnuEditDelete", "mnuEditNewFldr",
-                             "mnuFileEmpty", "mnuFilePrint", "mnuEditCopy", "mnuEditPaste"}) {
+                             "mnuFileEmpty", "mnuFilePrint"}) {
         QAction* a = actions_.at(name);
         on(name, [this, a] { command([&] { notAvailable(a->text()); }); });
     }

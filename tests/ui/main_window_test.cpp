@@ -149,11 +149,11 @@ void sendDrop(QAbstractItemView* view, QMimeData* data, QPoint at = {5, 5}) {
     delete data;
 }
 
-TEST_F(MainWindowTest, DropsFillTheBatchWithTheirMode) {
+TEST_F(MainWindowTest, DropsCopyWithTheirModeAndTheListsFollow) {
     libraryFile("Waltz.APG", organFile(Series::A, FileKind::Preset, "Waltz"));
     tree.mkdir("Documents/Tavrin File Manager/Other");
     const auto stick = acceptStick();
-    writeFile(stick / "APSET001.LPG", organFile(Series::A, FileKind::Preset, "Waltz"));
+    writeFile(stick / "APSET001.LPG", organFile(Series::A, FileKind::Preset, "Bells"));
     window->refreshAll();
     auto* docs = list("flbDocs");
     auto* usb = list("flbUSB");
@@ -175,23 +175,46 @@ TEST_F(MainWindowTest, DropsFillTheBatchWithTheirMode) {
         ui::FileListWidget* from;
         QAbstractItemView* to;
         QPoint at;
-        std::string mode;
-        std::filesystem::path destination;
+        std::filesystem::path made;
     };
+    // The stick's file reaches the library under the name inside it, and goes back under
+    // the next free number.
     const Case cases[] = {
-        {usb, docs, {5, 5}, "LEFT", library()},
-        {docs, usb, {5, 5}, "RIGHT", stick},
-        {docs, docs, {5, 5}, "flbDocs", library()},
-        {docs, dirs, otherAt, "DIFF", library() / "Other"},
+        {usb, docs, {5, 5}, library() / "Bells.APG"},
+        {docs, usb, {5, 5}, stick / "APSET002.LPG"},
+        {docs, dirs, otherAt, library() / "Other/Bells.APG"},
+        {docs, docs, {5, 5}, library() / "Bells (0).APG"},
     };
     for (const auto& c : cases) {
-        ui.expect("COPY FILES");
+        if (c.from == c.to) ui.expect("DUPLICATE FILE", Answer::Yes).expect("DUPLICATE FILES");
         sendDrop(c.to, dragFrom(c.from), c.at);
-        const auto& batch = window->session().state.batch;
-        EXPECT_EQ(batch.mode, c.mode);
-        EXPECT_EQ(batch.destination, c.destination) << c.mode;
-        EXPECT_EQ(batch.files.size(), 1u);
+        EXPECT_TRUE(std::filesystem::exists(c.made)) << c.made;
     }
+    EXPECT_TRUE(ui.done());
+    EXPECT_EQ(names("flbDocs"),
+              (QStringList{"Bells (0).APG", "Bells.APG", "TVK.ini", "Waltz.APG"}));
+    EXPECT_EQ(names("flbUSB"), (QStringList{"APSET001.LPG", "APSET002.LPG"}));
+    EXPECT_NE(find<QLabel>("lblDriveInfoDisplay")->text().indexOf("PRESET FILES: 2"), -1);
+    EXPECT_FALSE(find("pbarMain")->isVisible());
+}
+
+TEST_F(MainWindowTest, EditCopyAndPasteCopyTheRecordedFiles) {
+    const auto stick = acceptStick();
+    writeFile(stick / "EPSET003.EPG", organFile(Series::E, FileKind::Preset, "Organ Pipes"));
+    window->refreshAll();
+    list("flbUSB")->item(0)->setSelected(true);
+    action("mnuEditCopy")->trigger();
+    window->session().state.activeList = "dirDocs";  // the folder tree pastes into flbDocs
+    action("mnuEditPaste")->trigger();
+    EXPECT_EQ(names("flbDocs"), (QStringList{"Organ Pipes.EPG", "TVK.ini"}));
+
+    // Two selected files enable Compare, which is not there yet.
+    writeFile(stick / "EPSET004.EPG", organFile(Series::E, FileKind::Preset, "Flute"));
+    window->refreshAll();
+    list("flbUSB")->selectAll();
+    ui.expect(kProjectName);
+    clickButton("btnCompare");
+    EXPECT_EQ(ui.shown.back().text, "This feature has not been implemented yet.");
     EXPECT_TRUE(ui.done());
 }
 

@@ -1,0 +1,89 @@
+#include "library/CopyNames.h"
+
+#include <algorithm>
+
+#include "app/RuntimeError.h"
+#include "app/Text.h"
+#include "organfiles/FileLayout.h"
+
+namespace tvk {
+
+FolderNames::FolderNames(std::filesystem::path folder, bool list) : folder_(std::move(folder)) {
+    if (!list) return;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_))
+        names_.insert(fileNameUtf8(entry.path()));
+}
+
+bool FolderNames::taken(const std::string& name) const {
+    if (names_.count(name) != 0) return true;
+    std::error_code ec;
+    return std::filesystem::exists(
+        std::filesystem::symlink_status(folder_ / pathFromUtf8(name), ec));
+}
+
+NameParts splitExtension(std::string_view name) {
+    const std::size_t length = utf8Length(name);
+    if (length >= 4 && utf8Right(name, 4).front() == '.')
+        return {utf8Left(name, length - 4), "." + utf8ToUpper(utf8Right(name, 3))};
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0) return {std::string(name), {}};
+    return {std::string(name.substr(0, dot)), std::string(name.substr(dot))};
+}
+
+std::string freeOrganNumberName(const FolderNames& folder, std::string_view prefix, int& counter,
+                                int digits, std::string_view extension) {
+    for (;; ++counter) {
+        std::string candidate =
+            std::string(prefix) + zeroPad(counter, digits) + std::string(extension);
+        if (!folder.taken(candidate)) return candidate;
+    }
+}
+
+std::string freeSuffixName(const FolderNames& folder, const std::string& wanted,
+                           const NameParts& parts, int& counter, int& duplicates) {
+    std::string candidate = wanted;
+    while (folder.taken(candidate)) {
+        candidate = parts.base + " (" + std::to_string(counter) + ")" + parts.extension;
+        ++counter;
+        ++duplicates;
+    }
+    return candidate;
+}
+
+std::optional<Series> seriesFromLetter(std::string_view letter) {
+    if (letter == "S") return Series::SU;
+    if (letter == "A") return Series::A;
+    if (letter == "E") return Series::E;
+    return std::nullopt;
+}
+
+std::string organPrefix(Series family, bool song) {
+    return std::string(family == Series::SU ? "SU" : seriesCode(family)) + (song ? "SONG" : "PSET");
+}
+
+int organNumberWidth(Series family) {
+    return family == Series::SU ? 2 : 3;
+}
+
+std::string seriesExtension(Series family, bool song) {
+    return std::string(".") + seriesCode(family)[0] + (song ? "MR" : "PG");
+}
+
+std::string stickExtension(Series family, bool song) {
+    if (family == Series::E) return seriesExtension(family, song);
+    return song ? ".LMR" : ".LPG";
+}
+
+std::string readableName(Context& ctx, const std::filesystem::path& file) {
+    std::string name = CheckName(ctx, GetPresetName(ctx, file));
+    if (trimWhitespace(name).empty()) name = splitExtension(fileNameUtf8(file)).base;
+    const bool control = std::any_of(name.begin(), name.end(), [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+    });
+    if (control)
+        throw RuntimeError(kErrBadFileNameOrNumber,
+                           "the name inside " + pathToUtf8(file) + " holds control characters");
+    return name;
+}
+
+}  // namespace tvk

@@ -1,0 +1,72 @@
+#pragma once
+// The naming rules of every command that copies organ files between the stick and the
+// library: free organ numbers for the stick, readable names for the library, and the
+// bracketed counter that marks a copy whose name was taken. They only choose names;
+// nothing here writes a file.
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+#include "organfiles/OrganNames.h"
+
+namespace tvk {
+
+struct Context;
+
+// The names a destination folder holds, read once and kept up to date as a command adds
+// files, so a search past a thousand taken numbers does not ask the disk a thousand
+// times. A name not in the list is still looked up on disk: a folder that ignores case
+// (FAT, Windows) holds "SUPSET01.LPG" when it lists "supset01.lpg".
+class FolderNames {
+  public:
+    // Lists the folder unless `list` is false; throws when it cannot be read.
+    explicit FolderNames(std::filesystem::path folder, bool list = true);
+    bool taken(const std::string& name) const;
+    void add(const std::string& name) { names_.insert(name); }
+    const std::filesystem::path& folder() const { return folder_; }
+
+  private:
+    std::filesystem::path folder_;
+    std::unordered_set<std::string> names_;
+};
+
+// "Piano.spg" is {"Piano", ".SPG"}: the name before a three-letter extension, and that
+// extension upper-cased. A name without one keeps its own extension as it is, or none.
+struct NameParts {
+    std::string base, extension;
+};
+NameParts splitExtension(std::string_view name);
+
+// Free-number search: prefix + counter (at least `digits` digits) + extension, raising
+// the counter while that name is taken. The counter is left at the number used.
+std::string freeOrganNumberName(const FolderNames& folder, std::string_view prefix, int& counter,
+                                int digits, std::string_view extension);
+
+// Suffix search: `wanted` when it is free, otherwise base + " (" + counter + ")" +
+// extension, raising the counter after each candidate. `duplicates` grows by one for
+// every taken name tried.
+std::string freeSuffixName(const FolderNames& folder, const std::string& wanted,
+                           const NameParts& parts, int& counter, int& duplicates);
+
+// "S", "A" and "E" name the three families; any other letter none.
+std::optional<Series> seriesFromLetter(std::string_view letter);
+// "SUPSET", "APSET", "EPSET" for presets, "SUSONG", "ASONG", "ESONG" for songs.
+std::string organPrefix(Series family, bool song);
+// The width mask of the family's numbers: 2 for SU, 3 for A and E.
+int organNumberWidth(Series family);
+// The family's own extension in the library: ".SPG", ".APG", ".EPG" (".SMR", ...).
+std::string seriesExtension(Series family, bool song);
+// The extension of its numbered files on the stick: the shared ".LPG" and ".LMR" for SU
+// and A, the family's own ".EPG" and ".EMR" for E.
+std::string stickExtension(Series family, bool song);
+
+// The name a preset or recording gets in the library: the name inside it (GetPresetName)
+// made legal by CheckName. A file whose inside name is empty or blank keeps its own name
+// without the extension. A name the file system cannot hold (control characters) is a
+// run-time error 52 for the caller's handler.
+std::string readableName(Context& ctx, const std::filesystem::path& file);
+
+}  // namespace tvk
