@@ -1,5 +1,7 @@
 #include "cli/DriveSession.h"
 
+#include "app/CommonRoutines.h"
+#include "app/IniFile.h"
 #include "app/Text.h"
 #include "app/Version.h"
 #include "cli/CliCommand.h"
@@ -24,9 +26,12 @@ DriveSession::DriveSession(std::vector<std::string>& args, ConsoleInteraction& u
     session.volumes = attachVolumes(args);
     ctx.volumes = session.volumes.get();
     session.paths.libraryRoot = session.system->documentsFolder() / kProductName;
+    if (FileExists(ctx, ctx.paths.settingsFile())) ReadIniFile(ctx);
 }
 
-bool selectFirstDrive(Context& ctx, ConsoleInteraction& ui) {
+namespace {
+
+bool findFirstDrive(Context& ctx) {
     Volumes& volumes = *ctx.volumes;
     for (const auto& id : volumes.drives()) {
         if (volumes.driveType(id) != DriveType::Removable) continue;
@@ -41,8 +46,34 @@ bool selectFirstDrive(Context& ctx, ConsoleInteraction& ui) {
         d.fileSystem = info.fileSystemName;
         return true;
     }
+    return false;
+}
+
+}  // namespace
+
+bool selectFirstDrive(Context& ctx, ConsoleInteraction& ui) {
+    if (findFirstDrive(ctx)) return true;
     ui.err() << "tvk: no removable drive is attached (use --drive-image FILE for an image)\n";
     return false;
+}
+
+std::filesystem::path attachStick(Context& ctx) {
+    if (!findFirstDrive(ctx)) return {};
+    ThumbDriveState& d = ctx.state.drive;
+    std::error_code ec;
+    d.tavrinPresent = std::filesystem::is_directory(d.tavrinFolder(), ec);
+    d.present = d.tavrinPresent;
+    return d.present ? d.tavrinFolder() : std::filesystem::path();
+}
+
+std::optional<std::filesystem::path> folderArgument(Context& ctx, ConsoleInteraction& ui,
+                                                    const std::string& word) {
+    if (word != kStickWord) return pathFromUtf8(word);
+    if (ctx.state.drive.present || !attachStick(ctx).empty()) return ctx.state.drive.tavrinFolder();
+    ui.err() << "tvk: " << kStickWord
+             << " needs an attached stick with a TAVRIN folder (use --drive-image FILE for an "
+                "image)\n";
+    return std::nullopt;
 }
 
 }  // namespace tvk::cli
