@@ -1,0 +1,124 @@
+#!/usr/bin/env bash
+# Times `tvk copy` over 1,500 presets both ways between a library folder and a FAT stick
+# image mounted with fusefat, side by side with `cp` of the same files to the same place
+# (the floor), and prints the figures and the ratio. The target is at most 1.3 times cp.
+#
+#   RIGHT  1,500 presets with readable names, library folder -> the stick's TAVRIN folder
+#   LEFT   1,500 numbered presets, the stick's TAVRIN folder -> an empty library folder
+#
+# Both sides count the same work: mounting the image, copying, unmounting. Each run starts
+# from a fresh copy of the image or an empty folder.
+#
+#   bench/copy_bench.sh            # builds Release into build-bench-copy, then runs
+#   RUNS=5 bench/copy_bench.sh     # best of 5 instead of 3
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+build=${TVK_BENCH_BUILD:-build-bench-copy}
+runs=${RUNS:-3}
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTVK_BUILD_GUI=OFF \
+    -DTVK_BUILD_TESTS=OFF -DTVK_BUILD_BENCH=OFF >/dev/null
+ninja -C "$build" tvk >/dev/null
+tvk="$PWD/$build/src/tvk"
+
+work=$(mktemp -d)
+mnt="$work/mnt"
+mkdir -p "$mnt"
+cleanup() {
+    fusermount -u "$mnt" 2>/dev/null || true
+    rm -rf "$work"
+}
+trap cleanup EXIT
+
+# The library of a home of our own, so the user's settings stay out of it.
+export HOME="$work/home"
+lib="$HOME/Documents/Tavrin File Manager"
+mkdir -p "$lib"
+
+# 1,500 presets: 250 of each family in two generated folders, then readable names.
+"$tvk" make-files "$work" --presets 250 --songs 0 --seed 1 --suffix one >/dev/null
+"$tvk" make-files "$work" --presets 250 --songs 0 --seed 2 --suffix two >/dev/null
+mkdir "$lib/Readable"
+for folder in "$work"/FAKEPRFILES*; do
+    "$tvk" copy --mode DIFF "$folder" "$lib/Readable" >/dev/null
+done
+count=$(find "$lib/Readable" -type f | wc -l)
+
+# A 256 MB FAT32 stick with an empty TAVRIN folder, kept pristine for every run.
+blank="$work/blank.img"
+truncate -s 256M "$blank"
+mkfs.fat -F 32 -n BENCH -i 2021BEEF "$blank" >/dev/null
+MTOOLS_SKIP_CHECK=1 mmd -i "$blank" ::TAVRIN
+stick="$work/stick.img"
+
+mount_stick() {
+    fusefat -o rw+ "$stick" "$mnt"
+}
+unmount_stick() {
+    fusermount -u "$mnt"
+}
+
+# Wall time of one command in microseconds.
+time_us() {
+    local start end
+    start=$(date +%s%N)
+    "$@" >/dev/null
+    end=$(date +%s%N)
+    echo $(((end - start) / 1000))
+}
+
+cp_right() {
+    mount_stick
+    cp "$lib/Readable"/* "$mnt/TAVRIN/"
+    unmount_stick
+}
+tvk_right() {
+    "$tvk" copy --mode RIGHT --drive-image "$stick" "$lib/Readable" STICK </dev/null
+}
+cp_left() {
+    mount_stick
+    cp "$mnt/TAVRIN"/* "$lib/Left/"
+    unmount_stick
+}
+tvk_left() {
+    "$tvk" copy --mode LEFT --drive-image "$stick" STICK "$lib/Left" </dev/null
+}
+
+# Best of $runs for each; `prepare` resets the destination outside the timing.
+best_us() {
+    local prepare=$1 run=$2 best=0 us
+    for ((i = 0; i < runs; i++)); do
+        $prepare
+        us=$(time_us $run)
+        if ((best == 0 || us < best)); then best=$us; fi
+    done
+    echo "$best"
+}
+fresh_stick() { cp --sparse=always "$blank" "$stick"; }
+numbered_stick() {
+    fresh_stick
+    tvk_right >/dev/null  # the numbered presets the LEFT runs read
+    rm -rf "$lib/Left"
+    mkdir "$lib/Left"
+}
+empty_left() {
+    rm -rf "$lib/Left"
+    mkdir "$lib/Left"
+}
+
+report() {
+    local label=$1 tvk_us=$2 cp_us=$3
+    awk -v l="$label" -v n="$count" -v t="$tvk_us" -v c="$cp_us" 'BEGIN {
+        printf "%-6s %5d files   tvk copy %9.1f ms   cp %9.1f ms   ratio %5.2f\n",
+               l, n, t / 1000, c / 1000, t / c }'
+}
+
+echo "best of $runs runs, $(nproc) cores, fusefat $(fusefat -V 2>&1 | head -1 || true)"
+right_tvk=$(best_us fresh_stick tvk_right)
+right_cp=$(best_us fresh_stick cp_right)
+report RIGHT "$right_tvk" "$right_cp"
+
+numbered_stick
+left_tvk=$(best_us empty_left tvk_left)
+left_cp=$(best_us empty_left cp_left)
+report LEFT "$left_tvk" "$left_cp"
