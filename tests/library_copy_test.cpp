@@ -305,7 +305,8 @@ void runCopyCases(CopyTest& t, const std::filesystem::path& stickFolder, bool on
         for (const auto& f : c.copied) expected.push_back(f.to);
         std::sort(expected.begin(), expected.end());
 
-        t.ctx.state.activeList = c.mode == CopyMode::FlbUSB ? "flbUSB" : "flbDocs";
+        t.ctx.state.activeList =
+            c.mode == CopyMode::FlbUSB ? ListControl::flbUSB : ListControl::flbDocs;
         const bool duplicateMode = c.mode == CopyMode::FlbDocs || c.mode == CopyMode::FlbUSB;
         if (duplicateMode)
             for (std::size_t i = 0; i < c.sources.size(); ++i)
@@ -351,7 +352,7 @@ TEST_F(CopyTest, TheDuplicateQuestionAndTheClosingCount) {
     tree.write("lib/Song.mp3", "s");
     tree.write("lib/Song (0).MP3", "s0");
     tree.write("lib/a.txt", "a");
-    ctx.state.activeList = "flbDocs";
+    ctx.state.activeList = ListControl::flbDocs;
     ui.expect("DUPLICATE FILE", Answer::Yes).expect("DUPLICATE FILE", Answer::No);
     ui.expect("DUPLICATE FILES");
     auto report = copy(CopyMode::FlbDocs, {"Song.mp3", "a.txt"}, lib, lib);

@@ -20,7 +20,7 @@ std::string presetBytes() {
 struct SelectionFixture : test::SessionTest {
     ListClick click(std::vector<std::string> selected, std::size_t total = 10) {
         ListClick c;
-        c.list = "flbDocs";
+        c.list = ListControl::flbDocs;
         c.folder = tree.path("lib");
         c.clicked = selected.empty() ? "" : selected.front();
         c.selected = std::move(selected);
@@ -53,8 +53,8 @@ TEST_F(SelectionFixture, EnablingFollowsTheSelectedCount) {
         EXPECT_EQ(ui.status[StatusPanel::Progress],
                   std::to_string(c.names.size()) + " of 17 selected");
     }
-    EXPECT_EQ(ctx.state.activeList, "flbDocs");
-    EXPECT_EQ(ctx.state.lastAction, "CLICK");
+    EXPECT_EQ(ctx.state.activeList, ListControl::flbDocs);
+    EXPECT_EQ(ctx.state.lastAction, ListAction::Click);
 }
 
 TEST_F(SelectionFixture, RenamePresetsOnlyForPresets) {
@@ -93,49 +93,52 @@ TEST_F(SelectionFixture, VanishedFileSaysSoInsteadOfFailing) {
 
 TEST(DoubleClick, ActionByListAndExtension) {
     struct Case {
-        const char* list;
+        ListControl list;
         const char* name;
         DoubleClickAction action;
     };
     using A = DoubleClickAction;
     const Case cases[] = {
-        {"flbDocs", "a.mp3", A::Play},
-        {"flbUSB", "a.MID", A::Play},
-        {"flbDocs", "a.pdf", A::OpenWithDesktop},
-        {"flbDocs", "Waltz.APG", A::View},
-        {"flbDocs", "Song.smr", A::View},
-        {"flbDocs", "Song.AMR", A::None},
-        {"flbUSB", "EPSET001.EPG", A::View},
-        {"flbUSB", "Waltz.APG", A::None},
-        {"flbUSB", "SUSONG001.LMR", A::View},
-        {"flbDocs", "notes.txt", A::None},
+        {ListControl::flbDocs, "a.mp3", A::Play},
+        {ListControl::flbUSB, "a.MID", A::Play},
+        {ListControl::flbDocs, "a.pdf", A::OpenWithDesktop},
+        {ListControl::flbDocs, "Waltz.APG", A::View},
+        {ListControl::flbDocs, "Song.smr", A::View},
+        {ListControl::flbDocs, "Song.AMR", A::None},
+        {ListControl::flbUSB, "EPSET001.EPG", A::View},
+        {ListControl::flbUSB, "Waltz.APG", A::None},
+        {ListControl::flbUSB, "SUSONG001.LMR", A::View},
+        {ListControl::flbDocs, "notes.txt", A::None},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(doubleClickAction(c.list, c.name), c.action) << c.list << " " << c.name;
+        EXPECT_EQ(doubleClickAction(c.list, c.name), c.action)
+            << listControlName(c.list) << " " << c.name;
 }
 
 TEST_F(SelectionFixture, DropPasteAndCommandLineModes) {
     const auto lib = tree.mkdir("lib"), other = tree.mkdir("lib/Other");
     const auto stick = tree.mkdir("stick/TAVRIN");
     struct Case {
-        const char* from;
-        const char* to;
+        ListControl from, to;
         std::filesystem::path source, destination;
         CopyMode drop, paste, folders;
     };
     using M = CopyMode;
     const Case cases[] = {
-        {"flbUSB", "flbDocs", stick, lib, M::Left, M::Left, M::Left},
-        {"flbDocs", "flbUSB", lib, stick, M::Right, M::Right, M::Right},
-        {"flbDocs", "flbDocs", lib, lib / ".", M::FlbDocs, M::FlbDocs, M::FlbDocs},
-        {"flbUSB", "flbUSB", stick, stick, M::FlbUSB, M::FlbUSB, M::FlbUSB},
-        {"flbDocs", "flbDocs", lib, other, M::Diff, M::Diff, M::Diff},
+        {ListControl::flbUSB, ListControl::flbDocs, stick, lib, M::Left, M::Left, M::Left},
+        {ListControl::flbDocs, ListControl::flbUSB, lib, stick, M::Right, M::Right, M::Right},
+        {ListControl::flbDocs, ListControl::flbDocs, lib, lib / ".", M::FlbDocs, M::FlbDocs,
+         M::FlbDocs},
+        {ListControl::flbUSB, ListControl::flbUSB, stick, stick, M::FlbUSB, M::FlbUSB, M::FlbUSB},
+        {ListControl::flbDocs, ListControl::flbDocs, lib, other, M::Diff, M::Diff, M::Diff},
         // Paste goes by the source folder's path: a library folder named in capitals
         // reads as the stick's.
-        {"flbDocs", "flbUSB", tree.mkdir("lib/TAVRIN old"), stick, M::Right, M::Left, M::Right},
+        {ListControl::flbDocs, ListControl::flbUSB, tree.mkdir("lib/TAVRIN old"), stick, M::Right,
+         M::Left, M::Right},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.from) + " -> " + c.to + " " + pathToUtf8(c.source));
+        SCOPED_TRACE(std::string(listControlName(c.from)) + " -> " + listControlName(c.to) + " " +
+                     pathToUtf8(c.source));
         EXPECT_EQ(copyModeFor({c.from, c.to, c.source, c.destination, {}}), c.drop);
         EXPECT_EQ(pasteModeFor({c.from, c.source, {}}, c.to, c.destination), c.paste);
         EXPECT_EQ(folderCopyMode(c.source, c.destination, stick), c.folders);
@@ -153,19 +156,20 @@ TEST_F(SelectionFixture, ADropAndAPasteCopy) {
     ctx.state.drive.root = tree.path("stick");
     ctx.state.docsFolder = lib;
 
-    const auto report = listDragDrop(ctx, {"flbUSB", "flbDocs", stick, lib, {"SUPSET07.LPG"}});
+    const auto report = listDragDrop(
+        ctx, {ListControl::flbUSB, ListControl::flbDocs, stick, lib, {"SUPSET07.LPG"}});
     ASSERT_TRUE(report);
     EXPECT_EQ(report->copied, (std::vector<CopiedFile>{{"SUPSET07.LPG", "Bells.SPG"}}));
-    EXPECT_EQ(ctx.state.activeList, "flbDocs");
+    EXPECT_EQ(ctx.state.activeList, ListControl::flbDocs);
 
     ctx.state.selected = {"Bells.SPG"};
-    mnuEditCopy_Click(ctx, "flbDocs");
+    mnuEditCopy_Click(ctx, ListControl::flbDocs);
     std::filesystem::remove(stick / "SUPSET07.LPG");
-    const auto pasted = mnuEditPaste_Click(ctx, "flbUSB");
+    const auto pasted = mnuEditPaste_Click(ctx, ListControl::flbUSB);
     ASSERT_TRUE(pasted);
     EXPECT_EQ(pasted->copied, (std::vector<CopiedFile>{{"Bells.SPG", "SUPSET01.LPG"}}));
-    // Only the file lists paste; the focus on a button does nothing.
-    EXPECT_FALSE(mnuEditPaste_Click(ctx, "btnSort"));
+    // Only the file lists paste; the focus anywhere else does nothing.
+    EXPECT_FALSE(mnuEditPaste_Click(ctx, ListControl::None));
     EXPECT_TRUE(ui.done());
 }
 

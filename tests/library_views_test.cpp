@@ -45,7 +45,7 @@ struct ViewsFixture : test::SessionTest {
 
 struct ViewCase {
     int category;
-    std::uint8_t series;
+    int series;
     Names shown;
 };
 
@@ -82,7 +82,7 @@ TEST_F(ViewsFixture, EveryCategoryAndSeriesFiltersBothLists) {
     for (const auto& c : kViewCases) {
         SCOPED_TRACE("category " + std::to_string(c.category) + " series " +
                      std::to_string(c.series));
-        ctx.state.series = c.series;
+        ctx.state.series = seriesFromNumber(c.series);
         btnButtonBar_Click(ctx, c.category);
         EXPECT_EQ(ctx.state.selectedCategory, c.category);
         EXPECT_EQ(docs(), c.shown);
@@ -109,8 +109,8 @@ TEST_F(ViewsFixture, StickListStaysEmptyUntilADriveIsAccepted) {
 
 TEST_F(ViewsFixture, SeriesCycleKeepsTheSelectedCategory) {
     btnButtonBar_Click(ctx, 1);
-    const std::vector<std::pair<std::uint8_t, std::string>> cycle = {
-        {1, "mnuSU"}, {2, "mnuA"}, {3, "mnuE"}, {0, "mnuALL"}};
+    const std::vector<std::pair<Series, std::string>> cycle = {
+        {Series::SU, "mnuSU"}, {Series::A, "mnuA"}, {Series::E, "mnuE"}, {Series::All, "mnuALL"}};
     EXPECT_EQ(visibleSeriesMenu(ctx.state.series), "mnuALL");
     for (const auto& [series, visible] : cycle) {
         clickVisibleSeriesMenu(ctx);
@@ -124,7 +124,7 @@ TEST_F(ViewsFixture, SeriesCycleKeepsTheSelectedCategory) {
 TEST_F(ViewsFixture, SeriesChangeWithoutCategoryKeepsTheOldPattern) {
     ctx.state.pattern = "*.txt";
     mnuALL_Click(ctx);
-    EXPECT_EQ(ctx.state.series, 1);
+    EXPECT_EQ(ctx.state.series, Series::SU);
     EXPECT_EQ(ctx.state.pattern, "*.txt");
     EXPECT_EQ(ctx.state.selectedCategory, -1);
     EXPECT_EQ(ui.status[StatusPanel::Progress], "1 items");
@@ -133,8 +133,8 @@ TEST_F(ViewsFixture, SeriesChangeWithoutCategoryKeepsTheOldPattern) {
 
 TEST_F(ViewsFixture, SwitchToSeriesLandsOnTheChosenSeries) {
     for (int wanted : {1, 2, 3, 0, 7}) {
-        switchToSeries(ctx, wanted);
-        EXPECT_EQ(ctx.state.series, wanted == 7 ? 0 : wanted);
+        switchToSeries(ctx, seriesFromNumber(wanted));
+        EXPECT_EQ(ctx.state.series, seriesFromNumber(wanted));
     }
 }
 

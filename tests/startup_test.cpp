@@ -121,7 +121,7 @@ TEST(Startup, ReadsExistingSettingsAndPicksTheSeries) {
     test::writeFile(root / "TVK.ini", "Organ Series=3\r\nFormat Change=True\r\nEOF\r\n");
     Context ctx = t.ctx();
     ASSERT_EQ(FormLoad(ctx), StartupOutcome::Running);
-    EXPECT_EQ(t.state.series, 3);
+    EXPECT_EQ(t.state.series, Series::E);
     EXPECT_TRUE(t.settings.formatChange);
 }
 

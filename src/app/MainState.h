@@ -2,42 +2,46 @@
 // The main window's shared state: a plain struct the window owns and hands to every
 // command, and redraws from afterwards.
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/Interaction.h"
+#include "drive/ThumbDriveState.h"
+#include "organfiles/ContentCounts.h"
+#include "organfiles/Series.h"
 
 namespace tvk {
 
-enum class Series : std::uint8_t { All = 0, SU = 1, A = 2, E = 3 };
+// The window's three lists, named as their controls are (the trace carries the name).
+enum class ListControl { None, dirDocs, flbDocs, flbUSB };
+inline constexpr std::array<const char*, 4> kListControlNames = {"", "dirDocs", "flbDocs",
+                                                                 "flbUSB"};
+// "dirDocs", "flbDocs", "flbUSB"; "" for None.
+inline const char* listControlName(ListControl list) {
+    return kListControlNames[static_cast<std::size_t>(list)];
+}
+inline ListControl listControlFromName(std::string_view name) {
+    for (std::size_t i = 1; i < kListControlNames.size(); ++i)
+        if (name == kListControlNames[i]) return static_cast<ListControl>(i);
+    return ListControl::None;
+}
+constexpr bool isFileList(ListControl list) {
+    return list == ListControl::flbDocs || list == ListControl::flbUSB;
+}
 
-// The attached thumbdrive as the last scan left it.
-struct ThumbDriveState {
-    bool present = false;         // accepted by the scan
-    std::string letter;           // "E" on Windows; the volume's id on Linux
-    std::filesystem::path root;   // "E:\" or the mount point
-    std::string serialHex = "0";  // upper-case hexadecimal, no leading zeros
-    std::string volumeName;
-    std::string fileSystem;  // "FAT", "FAT32", ...
-    int driveType = 0;
-    std::string deviceId;
-    bool tavrinPresent = false;
-    bool fileSystemOk = false;
-    std::filesystem::path tavrinFolder() const { return root / "TAVRIN"; }
-};
-
-struct ContentCounts {
-    int presets = 0, music = 0, mp3 = 0, midi = 0, other = 0, all = 0;
-};
+// The last thing done in the active file list.
+enum class ListAction { None, Click, Drop };
 
 // What Edit > Copy recorded for a later paste: the program's own, not the system
 // clipboard's.
 struct CopySource {
-    std::string list;  // "flbDocs" or "flbUSB"; empty until something was copied
+    ListControl list = ListControl::None;  // None until something was copied
     std::filesystem::path folder;
     std::vector<std::string> files;
 };
@@ -45,11 +49,11 @@ struct CopySource {
 inline constexpr int kMaxSelected = 1500;
 
 struct MainState {
-    std::string activeList;             // "dirDocs", "flbDocs" or "flbUSB"
+    ListControl activeList = ListControl::None;
     std::vector<std::string> selected;  // the selected-file table
     CopySource copySource;
 
-    std::uint8_t series = 0;      // 0 ALL, 1 SU, 2 A, 3 E
+    Series series = Series::All;
     std::string pattern = "*.*";  // the category pattern of both lists
     std::string usbPattern = "*.nothing";
     int selectedCategory = -1;  // -1 until a category button is chosen
@@ -70,7 +74,7 @@ struct MainState {
     Answer lastAnswer = Answer::Ok;
     bool busy = false;  // a long command runs; other commands wait
 
-    std::string lastAction;  // the last action word of the active list ("CLICK", ...)
+    ListAction lastAction = ListAction::None;
     // Set by the window: redraws both lists from docsFolder/pattern/usbPattern. Commands
     // that change the view or the files call it; unset (tests, tvk) it does nothing.
     std::function<void()> refreshLists;

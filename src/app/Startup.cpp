@@ -137,8 +137,7 @@ StartupOutcome FormLoad(Context& ctx) {
         } else {
             WriteIniFile(ctx, true);
         }
-        const int series = ctx.settings.organSeries;
-        ctx.state.series = static_cast<std::uint8_t>(series >= 1 && series <= 3 ? series : 0);
+        ctx.state.series = seriesFromNumber(ctx.settings.organSeries);
 
         ctx.state.docsFolder = ctx.paths.libraryRoot;
         ctx.state.pattern = "*.*";

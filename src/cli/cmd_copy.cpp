@@ -52,7 +52,8 @@ int runCopy(std::vector<std::string>& args, ConsoleInteraction& ui) {
 
     const CopyMode mode = named ? *named : folderCopyMode(*source, *destination, stick);
     // The list a drop lands in: a list's name copies only there.
-    ctx.state.activeList = isOnStick(*destination, stick) ? "flbUSB" : "flbDocs";
+    ctx.state.activeList =
+        isOnStick(*destination, stick) ? ListControl::flbUSB : ListControl::flbDocs;
     const CopyReport report =
         Copyfiles(ctx, copyRequest(ctx, std::move(names), *source, *destination, mode));
     printReport(ui.out(), report);

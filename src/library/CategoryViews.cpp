@@ -31,7 +31,7 @@ void showDocsCount(Context& ctx) {
 
 // One series command: hide its own item, show the next, set the series and re-apply
 // the first selected category (5 when none is, which keeps the old pattern).
-void stepSeries(Context& ctx, const char* routineName, std::uint8_t next) {
+void stepSeries(Context& ctx, const char* routineName, Series next) {
     routine(ctx, routineName, [&](Routine&) {
         ctx.state.series = next;
         const int selected = ctx.state.selectedCategory;
@@ -42,18 +42,18 @@ void stepSeries(Context& ctx, const char* routineName, std::uint8_t next) {
 
 }  // namespace
 
-std::optional<std::string> categoryPattern(int category, int series) {
-    if (category < 0 || category >= kCategoryCount || series < 0 || series > 3) return std::nullopt;
-    return std::string(kPatterns[category][series]);
+std::optional<std::string> categoryPattern(int category, Series series) {
+    if (category < 0 || category >= kCategoryCount) return std::nullopt;
+    return std::string(kPatterns[category][seriesNumber(series)]);
 }
 
-std::string seriesMenuCaption(int series) {
-    static constexpr std::array<const char*, 4> codes = {"ALL", "SU", "A", "E"};
-    return "\"" + std::string(codes[series >= 0 && series < 4 ? series : 0]) + "\"";
+std::string seriesMenuCaption(Series series) {
+    static constexpr std::array<const char*, kSeriesCount> codes = {"ALL", "SU", "A", "E"};
+    return "\"" + std::string(codes[seriesNumber(series)]) + "\"";
 }
 
-std::string visibleSeriesMenu(std::uint8_t series) {
-    return kSeriesMenuItems[series < 4 ? series : 0];
+std::string visibleSeriesMenu(Series series) {
+    return kSeriesMenuItems[seriesNumber(series)];
 }
 
 void btnButtonBar_Click(Context& ctx, int index) {
@@ -73,47 +73,47 @@ void btnButtonBar_Click(Context& ctx, int index) {
 }
 
 void mnuALL_Click(Context& ctx) {
-    stepSeries(ctx, "frmMain.mnuALL_Click", 1);
+    stepSeries(ctx, "frmMain.mnuALL_Click", Series::SU);
 }
 void mnuSU_Click(Context& ctx) {
-    stepSeries(ctx, "frmMain.mnuSU_Click", 2);
+    stepSeries(ctx, "frmMain.mnuSU_Click", Series::A);
 }
 void mnuA_Click(Context& ctx) {
-    stepSeries(ctx, "frmMain.mnuA_Click", 3);
+    stepSeries(ctx, "frmMain.mnuA_Click", Series::E);
 }
 void mnuE_Click(Context& ctx) {
-    stepSeries(ctx, "frmMain.mnuE_Click", 0);
+    stepSeries(ctx, "frmMain.mnuE_Click", Series::All);
 }
 
 void clickVisibleSeriesMenu(Context& ctx) {
     switch (ctx.state.series) {
-        case 1:
+        case Series::SU:
             mnuSU_Click(ctx);
             break;
-        case 2:
+        case Series::A:
             mnuA_Click(ctx);
             break;
-        case 3:
+        case Series::E:
             mnuE_Click(ctx);
             break;
-        default:
+        case Series::All:
             mnuALL_Click(ctx);
             break;
     }
 }
 
-void switchToSeries(Context& ctx, int series) {
+void switchToSeries(Context& ctx, Series series) {
     switch (series) {
-        case 1:
+        case Series::SU:
             mnuALL_Click(ctx);
             break;
-        case 2:
+        case Series::A:
             mnuSU_Click(ctx);
             break;
-        case 3:
+        case Series::E:
             mnuA_Click(ctx);
             break;
-        default:
+        case Series::All:
             mnuE_Click(ctx);
             break;
     }

@@ -18,16 +18,15 @@ inline constexpr int kCategoryCount = 5;
 inline constexpr std::array<const char*, kCategoryCount> kCategoryCaptions = {
     "A&ll Files", "&Presets", "&Music", "MP&3", "Mi&di"};
 
-// The pattern for a category (0..4) and series (0 ALL, 1 SU, 2 A, 3 E); nullopt when
-// either is out of range.
-std::optional<std::string> categoryPattern(int category, int series);
+// The pattern for a category (0..4) and series; nullopt for a category out of range.
+std::optional<std::string> categoryPattern(int category, Series series);
 
 // The series menu: exactly one of the four items is visible, the one naming the series.
 inline constexpr std::array<const char*, 4> kSeriesMenuItems = {"mnuALL", "mnuSU", "mnuA", "mnuE"};
 // Captions carry their double quotes: "\"ALL\"", "\"SU\"", ...
-std::string seriesMenuCaption(int series);
-// The visible series item's control name; "mnuALL" for a value outside 0..3.
-std::string visibleSeriesMenu(std::uint8_t series);
+std::string seriesMenuCaption(Series series);
+// The visible series item's control name.
+std::string visibleSeriesMenu(Series series);
 
 // Chooses a category (0..4) and re-applies the view; 5 or more only re-applies the
 // current pattern. Status panel 1 ends up showing the computer list's count.
@@ -42,6 +41,6 @@ void mnuE_Click(Context& ctx);
 // Runs the command of whichever series item is visible now.
 void clickVisibleSeriesMenu(Context& ctx);
 // Runs the one series command that steps onto `series` (what Preferences' OK does).
-void switchToSeries(Context& ctx, int series);
+void switchToSeries(Context& ctx, Series series);
 
 }  // namespace tvk

@@ -9,9 +9,9 @@ namespace tvk {
 namespace {
 
 // The folder a file list shows; empty for a control that is not one.
-std::filesystem::path listFolder(const MainState& state, const std::string& list) {
-    if (list == "flbDocs") return state.docsFolder;
-    if (list == "flbUSB" && state.drive.present) return state.drive.tavrinFolder();
+std::filesystem::path listFolder(const MainState& state, ListControl list) {
+    if (list == ListControl::flbDocs) return state.docsFolder;
+    if (list == ListControl::flbUSB && state.drive.present) return state.drive.tavrinFolder();
     return {};
 }
 
@@ -29,31 +29,31 @@ bool isOnStick(const std::filesystem::path& folder, const std::filesystem::path&
     return true;
 }
 
-void mnuEditCopy_Click(Context& ctx, const std::string& focusedControl) {
+void mnuEditCopy_Click(Context& ctx, ListControl focused) {
     routine(ctx, "frmMain.mnuEditCopy_Click", [&](Routine&) {
-        const auto folder = listFolder(ctx.state, focusedControl);
+        const auto folder = listFolder(ctx.state, focused);
         if (folder.empty()) return;
-        ctx.state.copySource = {focusedControl, folder, ctx.state.selected};
+        ctx.state.copySource = {focused, folder, ctx.state.selected};
     });
 }
 
-CopyMode pasteModeFor(const CopySource& source, const std::string& destinationList,
+CopyMode pasteModeFor(const CopySource& source, ListControl destinationList,
                       const std::filesystem::path& destination) {
     if (source.list != destinationList)
         return pathToUtf8(source.folder).find("TAVRIN") != std::string::npos ? CopyMode::Left
                                                                              : CopyMode::Right;
     if (sameFolder(source.folder, destination))
-        return destinationList == "flbUSB" ? CopyMode::FlbUSB : CopyMode::FlbDocs;
+        return destinationList == ListControl::flbUSB ? CopyMode::FlbUSB : CopyMode::FlbDocs;
     return CopyMode::Diff;
 }
 
-std::optional<CopyReport> mnuEditPaste_Click(Context& ctx, const std::string& focusedControl) {
+std::optional<CopyReport> mnuEditPaste_Click(Context& ctx, ListControl focused) {
     std::optional<CopyReport> report;
     routine(ctx, "frmMain.mnuEditPaste_Click", [&](Routine&) {
-        const std::string list = focusedControl == "dirDocs" ? "flbDocs" : focusedControl;
+        const ListControl list = focused == ListControl::dirDocs ? ListControl::flbDocs : focused;
         const auto destination = listFolder(ctx.state, list);
         const CopySource& source = ctx.state.copySource;
-        if (destination.empty() || source.list.empty()) return;
+        if (destination.empty() || source.list == ListControl::None) return;
         ctx.state.activeList = list;
         report = Copyfiles(ctx, copyRequest(ctx, source.files, source.folder, destination,
                                             pasteModeFor(source, list, destination)));

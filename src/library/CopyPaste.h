@@ -12,20 +12,21 @@ namespace tvk {
 
 struct Context;
 struct CopySource;
+enum class ListControl;
 
 // mnuEditCopy_Click: records the focused file list, its folder and its selected entries
 // (the selected-file table) for a later paste. Any other focus records nothing.
-void mnuEditCopy_Click(Context& ctx, const std::string& focusedControl);
+void mnuEditCopy_Click(Context& ctx, ListControl focused);
 
 // The direction word of a paste into `destinationList`'s folder: from another list
 // "LEFT" when the source folder's path holds "TAVRIN" and "RIGHT" otherwise; within one
 // list the list's name for its own folder, "DIFF" for another one.
-CopyMode pasteModeFor(const CopySource& source, const std::string& destinationList,
+CopyMode pasteModeFor(const CopySource& source, ListControl destinationList,
                       const std::filesystem::path& destination);
 
 // mnuEditPaste_Click: copies what Edit > Copy recorded into the focused list's folder
 // ("dirDocs" and "flbDocs" mean the computer side). nullopt when nothing was pasted.
-std::optional<CopyReport> mnuEditPaste_Click(Context& ctx, const std::string& focusedControl);
+std::optional<CopyReport> mnuEditPaste_Click(Context& ctx, ListControl focused);
 
 // True for the stick's TAVRIN folder and the folders inside it.
 bool isOnStick(const std::filesystem::path& folder, const std::filesystem::path& stickFolder);

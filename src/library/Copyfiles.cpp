@@ -82,7 +82,8 @@ class CopyRun {
 
         if (duplicateMode()) {
             // A list's name copies only in that list; any other word copies nothing.
-            if (copyModeName(req_.mode) != ctx_.state.activeList) {
+            if (std::string_view(copyModeName(req_.mode)) !=
+                listControlName(ctx_.state.activeList)) {
                 report_.skipped.push_back(name);
                 return true;
             }

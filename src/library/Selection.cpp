@@ -87,7 +87,7 @@ void forgetSelection(MainState& state) {
 }
 
 void fileListClick(Context& ctx, const ListClick& click) {
-    routine(ctx, "frmMain." + click.list + "_Click", [&](Routine& r) {
+    routine(ctx, std::string("frmMain.") + listControlName(click.list) + "_Click", [&](Routine& r) {
         auto& state = ctx.state;
         state.activeList = click.list;
         if (!click.clicked.empty()) state.enabled[kMnuEditRename] = isPresetName(click.clicked);
@@ -98,16 +98,16 @@ void fileListClick(Context& ctx, const ListClick& click) {
 
         ctx.ui.setStatus(StatusPanel::Progress,
                          selectionStatus(click.selected.size(), click.entryCount));
-        if (state.lastAction.empty()) state.lastAction = "CLICK";
+        if (state.lastAction == ListAction::None) state.lastAction = ListAction::Click;
     });
 }
 
-DoubleClickAction doubleClickAction(const std::string& list, const std::string& name) {
+DoubleClickAction doubleClickAction(ListControl list, const std::string& name) {
     const auto ext = extensionOf(name);
     if (isOneOf(ext, {"MP3", "MID"})) return DoubleClickAction::Play;
     if (ext == "PDF") return DoubleClickAction::OpenWithDesktop;
     // The thumbdrive only holds the organ's own kinds, so fewer extensions open there.
-    const bool organFile = list == "flbUSB"
+    const bool organFile = list == ListControl::flbUSB
                                ? isOneOf(ext, {"LPG", "EPG", "LMR", "EMR"})
                                : isOneOf(ext, {"APG", "SPG", "LPG", "EPG", "SMR", "LMR", "EMR"});
     return organFile ? DoubleClickAction::View : DoubleClickAction::None;
@@ -121,16 +121,17 @@ bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) 
 
 CopyMode copyModeFor(const DropRequest& drop) {
     if (drop.sourceList != drop.destinationList)
-        return drop.destinationList == "flbUSB" ? CopyMode::Right : CopyMode::Left;
+        return drop.destinationList == ListControl::flbUSB ? CopyMode::Right : CopyMode::Left;
     if (sameFolder(drop.sourceFolder, drop.destinationFolder))
-        return drop.destinationList == "flbUSB" ? CopyMode::FlbUSB : CopyMode::FlbDocs;
+        return drop.destinationList == ListControl::flbUSB ? CopyMode::FlbUSB : CopyMode::FlbDocs;
     return CopyMode::Diff;
 }
 
 std::optional<CopyReport> listDragDrop(Context& ctx, const DropRequest& drop) {
-    return routine(ctx, "frmMain." + drop.destinationList + "_OLEDragDrop", [&](Routine&) {
+    const std::string name = std::string("frmMain.") + listControlName(drop.destinationList);
+    return routine(ctx, name + "_OLEDragDrop", [&](Routine&) {
         ctx.state.activeList = drop.destinationList;
-        ctx.state.lastAction = "DROP";
+        ctx.state.lastAction = ListAction::Drop;
         return Copyfiles(ctx, copyRequest(ctx, drop.files, drop.sourceFolder,
                                           drop.destinationFolder, copyModeFor(drop)));
     });

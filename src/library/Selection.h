@@ -33,7 +33,7 @@ std::string selectionStatus(std::size_t selected, std::size_t total);
 bool isPresetName(const std::string& name);  // SPG, APG, EPG, LPG
 
 struct ListClick {
-    std::string list;  // "flbDocs" or "flbUSB"
+    ListControl list = ListControl::flbDocs;
     std::filesystem::path folder;
     std::string clicked;                // the entry clicked; empty when none
     std::vector<std::string> selected;  // the selected entries in list order
@@ -49,11 +49,11 @@ void fileListClick(Context& ctx, const ListClick& click);
 void forgetSelection(MainState& state);
 
 enum class DoubleClickAction { None, Play, View, OpenWithDesktop };
-DoubleClickAction doubleClickAction(const std::string& list, const std::string& name);
+DoubleClickAction doubleClickAction(ListControl list, const std::string& name);
 
 struct DropRequest {
-    std::string sourceList;       // the file list the drag started in
-    std::string destinationList;  // the list dropped on; a folder of dirDocs counts as flbDocs
+    ListControl sourceList = ListControl::None;       // the file list the drag started in
+    ListControl destinationList = ListControl::None;  // a folder of dirDocs counts as flbDocs
     std::filesystem::path sourceFolder;
     std::filesystem::path destinationFolder;
     std::vector<std::string> files;

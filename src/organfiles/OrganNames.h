@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/MainState.h"
+#include "organfiles/Series.h"
 
 namespace tvk {
 

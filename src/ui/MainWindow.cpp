@@ -1,7 +1,6 @@
 #include "ui/MainWindow.h"
 
 #include <QApplication>
-#include <QScreen>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QInputDialog>
@@ -10,6 +9,7 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QStorageInfo>
 #include <QTimer>
 
@@ -273,7 +273,7 @@ void MainWindow::refreshDocs() {
         setStatus(StatusPanel::Second, "The folder \"" + fileNameUtf8(gone) +
                                            "\" is no longer there; showing the library folder.");
     }
-    if (state.activeList == "flbDocs") forgetSelection(state);
+    if (state.activeList == ListControl::flbDocs) forgetSelection(state);
     if (state.docsFolder.empty()) {
         flbDocs_->clearFolder();
         txtDocPath_->clear();
@@ -291,7 +291,7 @@ void MainWindow::refreshDocs() {
 
 void MainWindow::refreshUsb() {
     auto& state = session_.state;
-    if (state.activeList == "flbUSB") forgetSelection(state);
+    if (state.activeList == ListControl::flbUSB) forgetSelection(state);
     if (!state.drive.present) {
         flbUSB_->clearFolder();
         txtUSBPath_->clear();

@@ -58,7 +58,7 @@ void MainWindow::connectSignals() {
     // The list the user last worked in is the one commands act on.
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
         if (now == flbDocs_ || now == flbUSB_ || now == dirDocs_)
-            session_.state.activeList = us(now->objectName());
+            session_.state.activeList = listControlFromName(us(now->objectName()));
     });
     connect(dlbDocs_, &QComboBox::activated, this, [this](int index) {
         const auto root = upath(dlbDocs_->itemText(index));
@@ -88,7 +88,7 @@ void MainWindow::connectSignals() {
 void MainWindow::listClicked(FileListWidget* list) {
     command([&] {
         ListClick click;
-        click.list = us(list->objectName());
+        click.list = listControlFromName(us(list->objectName()));
         click.folder = list->folder();
         if (auto* item = list->currentItem(); item && item->isSelected())
             click.clicked = us(item->text());
@@ -104,7 +104,7 @@ void MainWindow::listClicked(FileListWidget* list) {
 void MainWindow::listDoubleClicked(FileListWidget* list, const QString& name) {
     command([&] {
         const auto file = list->folder() / upath(name);
-        session_.state.activeList = us(list->objectName());
+        session_.state.activeList = listControlFromName(us(list->objectName()));
         std::error_code ec;
         if (!std::filesystem::is_regular_file(file, ec)) {
             setStatus(StatusPanel::Progress, "\"" + us(name) + "\" is no longer there.");
@@ -138,8 +138,8 @@ void MainWindow::filesDropped(const QString& destinationList, const DraggedFiles
                               const QString& destinationFolder) {
     command([&] {
         DropRequest drop;
-        drop.sourceList = us(files.sourceList);
-        drop.destinationList = us(destinationList);
+        drop.sourceList = listControlFromName(us(files.sourceList));
+        drop.destinationList = listControlFromName(us(destinationList));
         drop.sourceFolder = upath(files.sourceFolder);
         drop.destinationFolder = upath(destinationFolder);
         for (const auto& n : files.names) drop.files.push_back(us(n));
@@ -153,7 +153,7 @@ void MainWindow::folderChosen(const QString& folder) {
     command([&] {
         auto ctx = context();
         routine(ctx, "frmMain.dirDocs_Change", [&](Routine&) {
-            session_.state.activeList = "dirDocs";
+            session_.state.activeList = ListControl::dirDocs;
             session_.state.docsFolder = upath(folder);
             refreshDocs();
             setStatus(StatusPanel::Progress, std::to_string(flbDocs_->count()) + " items");

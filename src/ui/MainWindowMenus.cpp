@@ -69,7 +69,7 @@ void MainWindow::buildMenus() {
     addMenu("mnuHelp", "&Help", kHelpMenu);
     for (int series = 0; series < 4; ++series) {
         const char* name = kSeriesMenuItems[series];
-        QAction* a = menuBar()->addAction(qs(seriesMenuCaption(series)));
+        QAction* a = menuBar()->addAction(qs(seriesMenuCaption(seriesFromNumber(series))));
         a->setObjectName(name);
         a->setToolTip("Organ series shown; click for the next series");
         actions_[name] = a;
@@ -84,9 +84,10 @@ void MainWindow::buildMenus() {
     on("mnuFileQuit", [this] { close(); });
     // The one file selected in the file list last worked in; empty otherwise.
     auto selectedFile = [this]() -> std::filesystem::path {
-        auto* list = session_.state.activeList == "flbUSB" ? flbUSB_ : flbDocs_;
+        const ListControl active = session_.state.activeList;
+        auto* list = active == ListControl::flbUSB ? flbUSB_ : flbDocs_;
         const auto names = list->selectedNames();
-        if (session_.state.activeList.rfind("flb", 0) != 0 || names.size() != 1) return {};
+        if (!isFileList(active) || names.size() != 1) return {};
         return list->folder() / pathFromUtf8(names.front());
     };
     on("mnuOpen", [this, selectedFile] {

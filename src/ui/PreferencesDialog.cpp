@@ -171,7 +171,7 @@ void PreferencesDialog::btnOK_Click() {
         s.compFolderFC = fore_[2];
         s.compFolderBC = back_[2];
         if (applyListColors_) applyListColors_();
-        switchToSeries(ctx_, s.organSeries);
+        switchToSeries(ctx_, seriesFromNumber(s.organSeries));
         WriteIniFile(ctx_, false);
     });
     accept();

@@ -71,7 +71,7 @@ SearchDialog::SearchDialog(Context ctx, QWidget* parent) : QDialog(parent), ctx_
 
     const bool stick = ctx_.state.drive.present;
     optLookIn_[0]->setEnabled(stick);
-    optLookIn_[stick && ctx_.state.activeList == "flbUSB" ? 0 : 1]->setChecked(true);
+    optLookIn_[stick && ctx_.state.activeList == ListControl::flbUSB ? 0 : 1]->setChecked(true);
     connect(btnSearch, &QPushButton::clicked, this, [this] { btnSearch_Click(); });
     connect(txtSearch_, &QLineEdit::returnPressed, this, [this] { btnSearch_Click(); });
     txtSearch_->setFocus();

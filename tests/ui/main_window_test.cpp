@@ -204,7 +204,8 @@ TEST_F(MainWindowTest, EditCopyAndPasteCopyTheRecordedFiles) {
     window->refreshAll();
     list("flbUSB")->item(0)->setSelected(true);
     action("mnuEditCopy")->trigger();
-    window->session().state.activeList = "dirDocs";  // the folder tree pastes into flbDocs
+    window->session().state.activeList =
+        ListControl::dirDocs;  // the folder tree pastes into flbDocs
     action("mnuEditPaste")->trigger();
     EXPECT_EQ(names("flbDocs"), (QStringList{"Organ Pipes.EPG", "TVK.ini"}));
 

@@ -62,7 +62,7 @@ TEST_F(PreferencesTest, OkAppliesEverythingAndWritesTheSettingsFile) {
     EXPECT_EQ(s.usbFilesBC, 0x563412u);
     EXPECT_EQ(s.compFolderBC, 0x563412u);
     EXPECT_EQ(s.compFolderFC, 0u);
-    EXPECT_EQ(window->session().state.series, 2);
+    EXPECT_EQ(window->session().state.series, Series::A);
     EXPECT_TRUE(action("mnuA")->isVisible());
     EXPECT_FALSE(action("mnuALL")->isVisible());
     EXPECT_EQ(list("flbDocs")->palette().color(QPalette::Text), QColor(0x12, 0x34, 0x56));
@@ -83,7 +83,7 @@ TEST_F(PreferencesTest, CancelChangesNothing) {
     dialog.findChild<QPushButton*>("btnCancel")->click();
     EXPECT_EQ(window->session().settings, settings);
     EXPECT_EQ(readFile(library() / "TVK.ini"), before);
-    EXPECT_EQ(window->session().state.series, 0);
+    EXPECT_EQ(window->session().state.series, Series::All);
 }
 
 TEST_F(PreferencesTest, FirstActivationShowsTheNoticeOnce) {
