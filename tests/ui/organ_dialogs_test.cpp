@@ -159,10 +159,10 @@ TEST_F(OrganDialogs, SearchFollowsTheActiveListAndStartsOnEnter) {
     ctx.state.docsFolder = tree.mkdir("docs");
     ctx.state.drive = {.present = true, .root = tree.mkdir("stick")};
     tree.write("stick/TAVRIN/SUPSET01.LPG", test::organFile(Series::SU, FileKind::Preset, "X"));
-    for (const char* active : {"flbUSB", "flbDocs"}) {
+    for (const ListControl active : {ListControl::flbUSB, ListControl::flbDocs}) {
         ctx.state.activeList = active;
         ui::SearchDialog dialog(ctx);
-        const bool stick = std::string(active) == "flbUSB";
+        const bool stick = active == ListControl::flbUSB;
         EXPECT_EQ(dialog.findChild<QRadioButton*>("optLookIn_0")->isChecked(), stick);
         EXPECT_EQ(dialog.findChild<QRadioButton*>("optLookIn_1")->isChecked(), !stick);
         // Match Case has always carried the Whole Word tooltip.
