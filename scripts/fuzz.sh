@@ -31,7 +31,11 @@ fuzz=${TVK_FUZZ_DIR:-build-fuzz}
 CXX=clang++ cmake -S . -B "$fuzz" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTVK_BUILD_FUZZ=ON \
     -DTVK_BUILD_GUI=OFF -DTVK_BUILD_TESTS=OFF -DTVK_BUILD_BENCH=OFF >/dev/null
 cmake --build "$fuzz" --target fuzz
-[ -d "$fuzz/seeds" ] || tests/fuzz/make-seeds.sh "$build/src/tvk" "$fuzz/seeds"
+if [ ! -d "$fuzz/seeds" ]; then
+    rm -rf "$fuzz/seeds.new"
+    tests/fuzz/make-seeds.sh "$build/src/tvk" "$fuzz/seeds.new"
+    mv "$fuzz/seeds.new" "$fuzz/seeds"
+fi
 
 status=0
 mkdir -p "$fuzz/artifacts"
