@@ -109,9 +109,11 @@ TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOffAndIsNotBackedUp) {
     struct Case {
         std::string label;
         bool autoBackup;
-        int backups;
+        ScanOutcome outcome;
     };
-    for (const Case& c : {Case{"", true, 0}, Case{"BACKUP", false, 0}, Case{"BACKUP", true, 1}}) {
+    for (const Case& c :
+         {Case{"", true, ScanOutcome::Refused}, Case{"BACKUP", false, ScanOutcome::Accepted},
+          Case{"BACKUP", true, ScanOutcome::AutoBackupWanted}}) {
         SCOPED_TRACE(c.label + (c.autoBackup ? " auto" : ""));
         TempTree tree;
         const auto image = test::makeImage(tree, "stick.img", {"fat32", 40, c.label, ""});
@@ -119,12 +121,8 @@ TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOffAndIsNotBackedUp) {
         ImageDriveContext drives({image});
         Context ctx = drives.ctx();
         ctx.settings.autoBackup = c.autoBackup;
-        int backups = 0;
-        autoBackupHook().run = [&](Context& hooked) { backups += hooked.state.drive.present; };
         if (c.label.empty()) drives.ui.expect("TVK");
-        ScanForUSBs(ctx);
-        autoBackupHook().run = nullptr;
-        EXPECT_EQ(backups, c.backups);
+        EXPECT_EQ(ScanForUSBs(ctx), c.outcome);
         EXPECT_TRUE(ctx.state.isEnabled("btnRenameVol"));
         if (!c.label.empty()) continue;
         EXPECT_EQ(drives.ui.shown.at(0).text, "The attached thumbdrive needs a Volume Name.");

@@ -120,8 +120,9 @@ bool readDrive(Context& ctx, Routine& r, const std::string& drive, const std::st
     return true;
 }
 
-// Drive kind, file system and TAVRIN folder, repairing what the user agrees to.
-bool checkDrive(Context& ctx, Routine& r) {
+// Drive kind, file system and TAVRIN folder, repairing what the user agrees to. A
+// format scans again itself; its outcome is the scan's.
+bool checkDrive(Context& ctx, Routine& r, ScanOutcome& rescanned) {
     ThumbDriveState& d = ctx.state.drive;
     const auto type = static_cast<DriveType>(d.driveType);
     const bool fit = (type == DriveType::Removable || type == DriveType::CdRom) && d.fileSystemOk &&
@@ -133,7 +134,7 @@ bool checkDrive(Context& ctx, Routine& r) {
     }
     if (!d.fileSystemOk) {
         if (DriveEmpty(ctx, d.root, ctx.volumes->systemEntries(d.letter))) {
-            if (offerFormat(ctx, d)) mnuFileFormat_Click(ctx);  // it scans again itself
+            if (offerFormat(ctx, d)) rescanned = mnuFileFormat_Click(ctx);
         } else {
             ctx.ui.inform(kProjectName,
                           "This Thumbdrive is NOT formatted correctly for use in a Tavrin Organ.");
@@ -149,24 +150,19 @@ bool checkDrive(Context& ctx, Routine& r) {
     return true;
 }
 
-void acceptDrive(Context& ctx, Routine& r) {
+ScanOutcome acceptDrive(Context& ctx, Routine& r) {
     MainState& s = ctx.state;
     enable(s, "btnRenameVol", true);
     s.drive.present = enableForNamedDrive(ctx);
     ctx.ui.setStatus(StatusPanel::Drive, driveStatusText(s.drive));
     s.usbPattern = s.pattern;
-    if (ctx.settings.autoBackup && s.drive.present && autoBackupHook().run)
-        autoBackupHook().run(ctx);
     countContent(ctx, r);
     if (s.refreshLists) s.refreshLists();
+    if (!s.drive.present) return ScanOutcome::Refused;
+    return ctx.settings.autoBackup ? ScanOutcome::AutoBackupWanted : ScanOutcome::Accepted;
 }
 
 }  // namespace
-
-AutoBackupHook& autoBackupHook() {
-    static AutoBackupHook hook;
-    return hook;
-}
 
 std::string mirrorFolderName(const std::string& volumeName, const std::string& serialHex) {
     return volumeName + " - " + serialHex;
@@ -177,7 +173,8 @@ std::string driveStatusText(const ThumbDriveState& d) {
            "  DevID:" + d.deviceId;
 }
 
-void ScanForUSBs(Context& ctx, const DeviceNotice* notice) {
+ScanOutcome ScanForUSBs(Context& ctx, const DeviceNotice* notice) {
+    auto outcome = ScanOutcome::Refused;
     routine(ctx, "frmMain.ScanForUSBs", [&](Routine& r) {
         std::string drive, deviceId;
         if (ctx.volumes) {
@@ -190,11 +187,13 @@ void ScanForUSBs(Context& ctx, const DeviceNotice* notice) {
         if (drive.empty()) return forgetDrive(ctx);
         ctx.ui.setStatus(StatusPanel::Progress, "ANALYZING THUMBDRIVE, JUST A MOMENT...");
         if (!readDrive(ctx, r, drive, deviceId)) return forgetDrive(ctx);
-        if (checkDrive(ctx, r)) acceptDrive(ctx, r);
+        if (checkDrive(ctx, r, outcome)) outcome = acceptDrive(ctx, r);
     });
+    return outcome;
 }
 
-void SysInfo1_DeviceArrival(Context& ctx, const DeviceNotice& notice) {
+ScanOutcome SysInfo1_DeviceArrival(Context& ctx, const DeviceNotice& notice) {
+    auto outcome = ScanOutcome::Refused;
     routine(ctx, "frmMain.SysInfo1_DeviceArrival", [&](Routine& r) {
         const ThumbDriveState& current = ctx.state.drive;
         const bool inUse = current.present && current.letter != notice.drive && ctx.volumes &&
@@ -203,16 +202,19 @@ void SysInfo1_DeviceArrival(Context& ctx, const DeviceNotice& notice) {
             r.detail("Drive " + notice.drive + " ignored while " + current.letter + " is in use");
             return;
         }
-        ScanForUSBs(ctx, &notice);
+        outcome = ScanForUSBs(ctx, &notice);
     });
+    return outcome;
 }
 
-void SysInfo1_DeviceRemoveComplete(Context& ctx, const DeviceNotice& notice) {
+ScanOutcome SysInfo1_DeviceRemoveComplete(Context& ctx, const DeviceNotice& notice) {
+    auto outcome = ScanOutcome::Refused;
     routine(ctx, "frmMain.SysInfo1_DeviceRemoveComplete", [&](Routine& r) {
         r.detail("DRIVE INFO:");
-        ScanForUSBs(ctx);
+        outcome = ScanForUSBs(ctx);
         if (!ctx.state.drive.present) ctx.state.usbPattern = kNoDrivePattern;
     });
+    return outcome;
 }
 
 }  // namespace tvk

@@ -3,7 +3,6 @@
 // FAT or FAT32, named, with a TAVRIN folder. Runs on the window's first activation and
 // on every device arrival or removal.
 
-#include <functional>
 #include <string>
 
 #include "app/Context.h"
@@ -11,25 +10,21 @@
 
 namespace tvk {
 
-// The command a scan starts on its own when "Auto Backup" is on and the drive passed
-// every check ("&Add ALL to Computer"). The transfer commands plug it in; while unset
-// nothing happens.
-struct AutoBackupHook {
-    std::function<void(Context&)> run;
-};
-AutoBackupHook& autoBackupHook();
+// How a scan ended. AutoBackupWanted: the drive passed every check and "Auto Backup" is
+// on, so the caller starts "&Add ALL to Computer" next.
+enum class ScanOutcome { Refused, Accepted, AutoBackupWanted };
 
 inline constexpr const char* kNoDrivePattern = "*.nothing";
 inline constexpr int kTransferButtons = 5;  // btnUSB_Docs 0 to 4
 
 // With no notice, tries every drive in order and takes the first removable one; with a
 // notice, takes the drive it names.
-void ScanForUSBs(Context& ctx, const DeviceNotice* notice = nullptr);
+ScanOutcome ScanForUSBs(Context& ctx, const DeviceNotice* notice = nullptr);
 
 // The device notices. An arrival while another accepted drive is still attached is
-// ignored, so the first stick stays in use until it is removed.
-void SysInfo1_DeviceArrival(Context& ctx, const DeviceNotice& notice);
-void SysInfo1_DeviceRemoveComplete(Context& ctx, const DeviceNotice& notice);
+// ignored (Refused), so the first stick stays in use until it is removed.
+ScanOutcome SysInfo1_DeviceArrival(Context& ctx, const DeviceNotice& notice);
+ScanOutcome SysInfo1_DeviceRemoveComplete(Context& ctx, const DeviceNotice& notice);
 
 // The drive's mirror folder in the library: label + " - " + serial number in hexadecimal.
 std::string mirrorFolderName(const std::string& volumeName, const std::string& serialHex);

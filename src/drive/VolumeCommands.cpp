@@ -56,7 +56,8 @@ std::string volumeLabelFromAnswer(const std::string& answer) {
     return utf8ToUpper(utf8Left(answer, 11));
 }
 
-void btnRenameVol_Click(Context& ctx) {
+ScanOutcome btnRenameVol_Click(Context& ctx) {
+    auto outcome = ScanOutcome::Refused;
     routine(ctx, "frmMain.btnRenameVol_Click", [&](Routine& r) {
         const auto answer =
             ctx.ui.prompt("RENAME VOLUME", "Enter a new Volume Name. Limit of 11 characters.");
@@ -67,7 +68,10 @@ void btnRenameVol_Click(Context& ctx) {
                               Buttons::YesNo, Icon::Question};
         if (ctx.ui.message(confirm) != Answer::Yes) return;
         const ThumbDriveState& d = ctx.state.drive;
-        if (d.letter.empty() || !ctx.volumes) return ScanForUSBs(ctx);
+        if (d.letter.empty() || !ctx.volumes) {
+            outcome = ScanForUSBs(ctx);
+            return;
+        }
         std::string problem;
         r.step("Rename drive " + normaliseDriveText(d.letter) + " to " + label,
                [&] { problem = ctx.volumes->setLabel(d.letter, label); });
@@ -78,11 +82,13 @@ void btnRenameVol_Click(Context& ctx) {
                 "RENAME VOLUME",
                 "The volume name was not changed to " + kQ + label + kQ + "." + kBlank + problem,
                 Icon::Exclamation);
-        ScanForUSBs(ctx);
+        outcome = ScanForUSBs(ctx);
     });
+    return outcome;
 }
 
-void mnuFileFormat_Click(Context& ctx) {
+ScanOutcome mnuFileFormat_Click(Context& ctx) {
+    auto outcome = ScanOutcome::Refused;
     routine(ctx, "frmMain.mnuFileFormat_Click", [&](Routine& r) {
         ThumbDriveState d = ctx.state.drive;
         if (d.letter.empty() || !ctx.volumes) {
@@ -95,18 +101,20 @@ void mnuFileFormat_Click(Context& ctx) {
         if (volumes.hasFormatWindow())
             ctx.ui.inform(kProjectName, "In the next window, be sure to select " + kQ + "FAT" + kQ +
                                             " in the File System dropdown box.");
-        const auto outcome = formatDrive(ctx, r, d);
+        const auto formatted = formatDrive(ctx, r, d);
         // A cancelled format window still gets its folder, as it always has; a format the
         // program itself could not do leaves the drive alone.
-        if (outcome && outcome->problem.empty() && (empty || outcome->result != kFormatError)) {
+        if (formatted && formatted->problem.empty() &&
+            (empty || formatted->result != kFormatError)) {
             r.step("Create the TAVRIN folder", [&] {
                 d.root = volumes.rootPath(d.letter);
                 if (!std::filesystem::create_directory(d.tavrinFolder()))
                     Routine::raise(kErrPathFileAccess, pathToUtf8(d.tavrinFolder()));
             });
         }
-        ScanForUSBs(ctx);
+        outcome = ScanForUSBs(ctx);
     });
+    return outcome;
 }
 
 }  // namespace tvk

@@ -6,11 +6,12 @@
 #include <string>
 
 #include "app/Context.h"
+#include "drive/ScanForUSBs.h"
 
 namespace tvk {
 
-void btnRenameVol_Click(Context& ctx);
-void mnuFileFormat_Click(Context& ctx);
+ScanOutcome btnRenameVol_Click(Context& ctx);
+ScanOutcome mnuFileFormat_Click(Context& ctx);
 
 // The label the rename prompt's answer becomes: its first 11 characters, upper-cased.
 std::string volumeLabelFromAnswer(const std::string& answer);

@@ -3,10 +3,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
@@ -30,12 +28,20 @@ namespace tvk::ui {
 
 MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     : QMainWindow(parent),
-      session_(options.system ? std::move(options.system) : makePlatformSystem(), *this),
+      session_(options.system ? std::move(options.system) : makePlatformSystem(), interaction_),
       volumes_(std::move(options.volumes)),
       updateUrl_(options.updateUrl.isEmpty() ? UpdateCheck::configuredUrl() : options.updateUrl) {
     setObjectName("frmMain");
     setWindowTitle(kProductName);
     quitProgram = [](int code) { QCoreApplication::exit(code); };
+    runner_ = new CommandRunner(session_.state, interaction_,
+                                {[this] { applyEnabled(); },
+                                 [this] {
+                                     refreshPanels();
+                                     applyEnabled();
+                                 },
+                                 [this](int code) { endProgram(code); }, [this] { close(); }},
+                                this);
     session_.volumes = volumes_;
     auto& state = session_.state;
     // Nothing is selected yet, so nothing that needs a selection may run.
@@ -50,16 +56,19 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     };
 
     buildPanes();
+    interaction_.attach(statusPanels_, pbarMain_, &session_.settings);
     buildMenus();
     player_ = new MediaPlayer(this);
-    player_->status = [this](const QString& text) { setStatus(StatusPanel::Progress, us(text)); };
+    player_->status = [this](const QString& text) {
+        ui().setStatus(StatusPanel::Progress, us(text));
+    };
     player_->fallback = [this](const QString& file) {
         return session_.system->openWithDefault(upath(file));
     };
     update_ = new UpdateCheck(this);
     connect(update_, &UpdateCheck::pageLoaded, this,
             [this](const QString& location, const QString& title) {
-                whenIdle([this, location, title] {
+                runner_->whenIdle([this, location, title] {
                     command([&] {
                         auto ctx = context();
                         bzrMainDownloadComplete(ctx, us(location), us(title));
@@ -68,7 +77,7 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
             });
     devices_ = new DeviceWatch(volumes_, this);
     connect(devices_, &DeviceWatch::notice, this,
-            [this](const DeviceNotice& n) { whenIdle([this, n] { scanForDrives(n); }); });
+            [this](const DeviceNotice& n) { runner_->whenIdle([this, n] { scanForDrives(n); }); });
     connectSignals();
     resize(1180, 760);
     applyEnabled();
@@ -100,129 +109,12 @@ bool MainWindow::load() {
     return true;
 }
 
-// --- Interaction -------------------------------------------------------------------
-
-Answer MainWindow::message(const Message& box) {
-    if (boxes_) return boxes_->message(box);
-    QMessageBox mb(this);
-    mb.setWindowTitle(qs(box.title));
-    mb.setText(qs(toDisplayLines(box.text)));
-    switch (box.icon) {
-        case Icon::Critical:
-            mb.setIcon(QMessageBox::Critical);
-            break;
-        case Icon::Question:
-            mb.setIcon(QMessageBox::Question);
-            break;
-        case Icon::Exclamation:
-            mb.setIcon(QMessageBox::Warning);
-            break;
-        case Icon::Information:
-            mb.setIcon(QMessageBox::Information);
-            break;
-        case Icon::None:
-            break;
-    }
-    std::vector<std::pair<QMessageBox::StandardButton, Answer>> order;
-    using SB = QMessageBox;
-    switch (box.buttons) {
-        case Buttons::Ok:
-            order = {{SB::Ok, Answer::Ok}};
-            break;
-        case Buttons::OkCancel:
-            order = {{SB::Ok, Answer::Ok}, {SB::Cancel, Answer::Cancel}};
-            break;
-        case Buttons::AbortRetryIgnore:
-            order = {{SB::Abort, Answer::Abort},
-                     {SB::Retry, Answer::Retry},
-                     {SB::Ignore, Answer::Ignore}};
-            break;
-        case Buttons::YesNoCancel:
-            order = {{SB::Yes, Answer::Yes}, {SB::No, Answer::No}, {SB::Cancel, Answer::Cancel}};
-            break;
-        case Buttons::YesNo:
-            order = {{SB::Yes, Answer::Yes}, {SB::No, Answer::No}};
-            break;
-        case Buttons::RetryCancel:
-            order = {{SB::Retry, Answer::Retry}, {SB::Cancel, Answer::Cancel}};
-            break;
-    }
-    for (const auto& [button, answer] : order) mb.addButton(button);
-    const int def = box.defaultButton - 1;
-    mb.setDefaultButton(order[def >= 0 && def < static_cast<int>(order.size()) ? def : 0].first);
-    const auto clicked = static_cast<QMessageBox::StandardButton>(mb.exec());
-    for (const auto& [button, answer] : order)
-        if (button == clicked) return answer;
-    // Closed with Escape or the title bar: the box's cautious answer.
-    return order.size() == 1 ? order[0].second : order.back().second;
-}
-
-std::optional<std::string> MainWindow::prompt(const std::string& title, const std::string& text,
-                                              const std::string& initial) {
-    if (boxes_) return boxes_->prompt(title, text, initial);
-    QInputDialog dialog(this);
-    dialog.setWindowTitle(qs(title));
-    dialog.setLabelText(qs(toDisplayLines(text)));
-    dialog.setTextValue(qs(initial));
-    // "All Text Select" off: the cursor goes to the end instead of selecting the text.
-    if (!session_.settings.allTextSelect) {
-        QTimer::singleShot(0, &dialog, [&dialog] {
-            if (auto* edit = dialog.findChild<QLineEdit*>()) edit->end(false);
-        });
-    }
-    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
-    return us(dialog.textValue());
-}
-
-void MainWindow::setStatus(StatusPanel panel, const std::string& text) {
-    const int index = static_cast<int>(panel) - 1;
-    if (index >= 0 && index < 3) statusPanels_[index]->setText(qs(text));
-}
-
-void MainWindow::showProgress(int maximum) {
-    pbarMain_->setRange(0, std::max(1, maximum));
-    pbarMain_->setValue(0);
-    pbarMain_->show();
-}
-
-void MainWindow::setProgress(int value) {
-    pbarMain_->setValue(std::min(value, pbarMain_->maximum()));
-}
-
-void MainWindow::hideProgress() {
-    pbarMain_->reset();
-    pbarMain_->hide();
-}
-
-void MainWindow::processEvents() {
-    QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-}
-
 // --- Commands and enabling -----------------------------------------------------------
-
-void MainWindow::beginCommand() {
-    session_.state.busy = true;
-    applyEnabled();
-}
-
-// Notices that arrive during a long command (a stick pulled mid-copy) wait for it to end
-// instead of being lost.
-void MainWindow::whenIdle(std::function<void()> work) {
-    if (!session_.state.busy) return work();
-    QTimer::singleShot(250, this,
-                       [this, work = std::move(work)]() mutable { whenIdle(std::move(work)); });
-}
 
 void MainWindow::endProgram(int exitCode) {
     unloaded_ = true;
     player_->stop();
     if (quitProgram) quitProgram(exitCode);
-}
-
-void MainWindow::endCommand() {
-    session_.state.busy = false;
-    refreshPanels();
-    applyEnabled();
 }
 
 void MainWindow::applyEnabled() {
@@ -247,10 +139,10 @@ void MainWindow::applyEnabled() {
 void MainWindow::notAvailable(const QString& caption) {
     QString plain = caption;
     plain.remove('&');
-    message(Message{"NOT AVAILABLE YET",
-                    "\"" + us(plain) + "\" is not available in this version yet." +
-                        std::string(kBlankLine) + "Nothing was changed.",
-                    Buttons::Ok, Icon::Information, 1});
+    ui().message(Message{"NOT AVAILABLE YET",
+                         "\"" + us(plain) + "\" is not available in this version yet." +
+                             std::string(kBlankLine) + "Nothing was changed.",
+                         Buttons::Ok, Icon::Information, 1});
 }
 
 // --- Redrawing from MainState ---------------------------------------------------------
@@ -270,8 +162,9 @@ void MainWindow::refreshDocs() {
         const auto gone = state.docsFolder;
         state.docsFolder = session_.paths.libraryRoot;
         dirDocs_->refresh();
-        setStatus(StatusPanel::Second, "The folder \"" + fileNameUtf8(gone) +
-                                           "\" is no longer there; showing the library folder.");
+        ui().setStatus(StatusPanel::Second,
+                       "The folder \"" + fileNameUtf8(gone) +
+                           "\" is no longer there; showing the library folder.");
     }
     if (state.activeList == ListControl::flbDocs) forgetSelection(state);
     if (state.docsFolder.empty()) {
@@ -280,8 +173,8 @@ void MainWindow::refreshDocs() {
         return;
     }
     if (!flbDocs_->showFolder(state.docsFolder, state.pattern))
-        setStatus(StatusPanel::Second, "Cannot read " + pathToUtf8(state.docsFolder) + ": " +
-                                           us(flbDocs_->lastProblem()));
+        ui().setStatus(StatusPanel::Second, "Cannot read " + pathToUtf8(state.docsFolder) + ": " +
+                                                us(flbDocs_->lastProblem()));
     txtDocPath_->setText(qpath(state.docsFolder));
     if (dirDocs_->currentFolder() != state.docsFolder) {
         const QSignalBlocker quiet(dirDocs_);
@@ -300,8 +193,8 @@ void MainWindow::refreshUsb() {
     const auto folder = state.drive.tavrinFolder();
     txtUSBPath_->setText(qpath(folder));
     if (!flbUSB_->showFolder(folder, state.usbPattern))
-        setStatus(StatusPanel::Second, "The thumbdrive folder " + pathToUtf8(folder) +
-                                           " cannot be read: " + us(flbUSB_->lastProblem()));
+        ui().setStatus(StatusPanel::Second, "The thumbdrive folder " + pathToUtf8(folder) +
+                                                " cannot be read: " + us(flbUSB_->lastProblem()));
 }
 
 void MainWindow::refreshPanels() {
@@ -368,9 +261,7 @@ void MainWindow::startUpdateCheck() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (session_.state.busy) {
-        // Closing in the middle of a copy would leave half a batch; finish it first.
-        setStatus(StatusPanel::Second, "Please wait until the current command has finished.");
+    if (!runner_->mayClose()) {
         event->ignore();
         return;
     }

@@ -1,7 +1,7 @@
 #pragma once
 // frmMain: the program's one main window. It owns the run's Session, draws the lists
-// and panels from MainState, turns widget events into the core's commands and is the
-// Interaction those commands talk to.
+// and panels from MainState and turns widget events into the core's commands, which it
+// runs through its CommandRunner and which talk to its WidgetInteraction.
 
 #include <QMainWindow>
 #include <QUrl>
@@ -17,7 +17,9 @@
 #include "app/Session.h"
 #include "app/System.h"
 #include "drive/Volumes.h"
+#include "ui/CommandRunner.h"
 #include "ui/FileListWidget.h"
+#include "ui/WidgetInteraction.h"
 
 class QComboBox;
 class QLabel;
@@ -40,7 +42,7 @@ struct MainWindowOptions {
     QUrl updateUrl;                    // the version page; UpdateCheck::configuredUrl() when empty
 };
 
-class MainWindow : public QMainWindow, public Interaction {
+class MainWindow : public QMainWindow {
     Q_OBJECT
   public:
     explicit MainWindow(MainWindowOptions options, QWidget* parent = nullptr);
@@ -55,17 +57,7 @@ class MainWindow : public QMainWindow, public Interaction {
     // How the program ends when a command ends it; leaves the event loop by default.
     std::function<void(int exitCode)> quitProgram;
     // Boxes and prompts go here instead of on screen (tests).
-    void setBoxesTo(Interaction* boxes) { boxes_ = boxes; }
-
-    // Interaction
-    Answer message(const Message& box) override;
-    std::optional<std::string> prompt(const std::string& title, const std::string& text,
-                                      const std::string& initial) override;
-    void setStatus(StatusPanel panel, const std::string& text) override;
-    void showProgress(int maximum) override;
-    void setProgress(int value) override;
-    void hideProgress() override;
-    void processEvents() override;
+    void setBoxesTo(Interaction* boxes) { interaction_.setBoxesTo(boxes); }
 
     // Redraws everything from MainState.
     void refreshAll();
@@ -75,21 +67,10 @@ class MainWindow : public QMainWindow, public Interaction {
     void startUpdateCheck();
     UpdateCheck* updateCheck() const { return update_; }
 
-    // Runs one command with every other command disabled until it ends, so events
-    // pumped during a long command cannot start a second one inside it.
+    // Runs one command with every other command disabled until it ends.
     template <class F>
     void command(F&& body) {
-        if (session_.state.busy) return;
-        beginCommand();
-        try {
-            body();
-        } catch (const ProgramEnd& end) {
-            endProgram(end.exitCode);
-        } catch (const UntrappedError& e) {
-            reportUntrappedError(*this, e.error);
-            endProgram(1);
-        }
-        endCommand();
+        runner_->run(std::forward<F>(body));
     }
 
     // Handlers the widgets call; public so tests can drive them as a user would.
@@ -114,12 +95,10 @@ class MainWindow : public QMainWindow, public Interaction {
     void buildMenus();
     void connectSignals();
     void activate();
-    void beginCommand();
-    void whenIdle(std::function<void()> work);
     // Abort with the trace off, or an error with the trap off: the program ends at once,
     // without writing the settings.
     void endProgram(int exitCode);
-    void endCommand();
+    Interaction& ui() { return interaction_; }
     void applyEnabled();
     void refreshDocs();
     void refreshUsb();
@@ -127,8 +106,9 @@ class MainWindow : public QMainWindow, public Interaction {
     void notAvailable(const QString& caption);
     void playFile(const std::filesystem::path& file);
 
+    WidgetInteraction interaction_{this};
     Session session_;
-    Interaction* boxes_ = nullptr;
+    CommandRunner* runner_ = nullptr;
     std::shared_ptr<Volumes> volumes_;
     QUrl updateUrl_;
     bool activatedOnce_ = false;

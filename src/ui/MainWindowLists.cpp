@@ -107,7 +107,7 @@ void MainWindow::listDoubleClicked(FileListWidget* list, const QString& name) {
         session_.state.activeList = listControlFromName(us(list->objectName()));
         std::error_code ec;
         if (!std::filesystem::is_regular_file(file, ec)) {
-            setStatus(StatusPanel::Progress, "\"" + us(name) + "\" is no longer there.");
+            ui().setStatus(StatusPanel::Progress, "\"" + us(name) + "\" is no longer there.");
             refreshAll();
             return;
         }
@@ -120,9 +120,9 @@ void MainWindow::listDoubleClicked(FileListWidget* list, const QString& name) {
                 break;
             case DoubleClickAction::OpenWithDesktop:
                 if (!session_.system->openWithDefault(file))
-                    message(Message{"OPEN FILE",
-                                    "No program on this computer opens \"" + us(name) + "\".",
-                                    Buttons::Ok, Icon::Exclamation, 1});
+                    ui().message(Message{"OPEN FILE",
+                                         "No program on this computer opens \"" + us(name) + "\".",
+                                         Buttons::Ok, Icon::Exclamation, 1});
                 break;
             case DoubleClickAction::None:
                 break;
@@ -156,7 +156,7 @@ void MainWindow::folderChosen(const QString& folder) {
             session_.state.activeList = ListControl::dirDocs;
             session_.state.docsFolder = upath(folder);
             refreshDocs();
-            setStatus(StatusPanel::Progress, std::to_string(flbDocs_->count()) + " items");
+            ui().setStatus(StatusPanel::Progress, std::to_string(flbDocs_->count()) + " items");
         });
     });
 }
@@ -167,7 +167,7 @@ void MainWindow::openViewer(const std::filesystem::path& file) {
     if (!viewer->loaded()) {
         const QString why = viewer->problem();
         delete viewer;
-        message(Message{"FILE VIEWER", us(why), Buttons::Ok, Icon::Exclamation, 1});
+        ui().message(Message{"FILE VIEWER", us(why), Buttons::Ok, Icon::Exclamation, 1});
         return;
     }
     viewer->show();
@@ -193,7 +193,7 @@ void MainWindow::openManual() {
             const auto manual = session_.paths.manual();
             std::error_code ec;
             if (!std::filesystem::exists(manual, ec)) {
-                message(
+                ui().message(
                     Message{"USER'S MANUAL",
                             "The User's Manual is not on this computer." + std::string(kBlankLine) +
                                 "It should be here:" + std::string(kLineBreak) + pathToUtf8(manual),
@@ -202,11 +202,12 @@ void MainWindow::openManual() {
             }
             r.setTask("ShellExecute open " + pathToUtf8(manual));
             if (!session_.system->openWithDefault(manual))
-                message(Message{"USER'S MANUAL",
-                                "No program on this computer opens PDF files, so the manual " +
-                                    std::string("cannot be shown.") + std::string(kBlankLine) +
-                                    "It is here:" + std::string(kLineBreak) + pathToUtf8(manual),
-                                Buttons::Ok, Icon::Exclamation, 1});
+                ui().message(Message{"USER'S MANUAL",
+                                     "No program on this computer opens PDF files, so the manual " +
+                                         std::string("cannot be shown.") + std::string(kBlankLine) +
+                                         "It is here:" + std::string(kLineBreak) +
+                                         pathToUtf8(manual),
+                                     Buttons::Ok, Icon::Exclamation, 1});
         });
     });
 }

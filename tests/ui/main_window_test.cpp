@@ -253,6 +253,28 @@ TEST_F(MainWindowTest, NoSecondCommandWhileOneRuns) {
     EXPECT_TRUE(find("btnButtonBar_3")->isEnabled());
 }
 
+// Closing in the middle of a command asks; Yes closes the window once the command ends.
+TEST_F(MainWindowTest, ClosingDuringACommandAsksAndWaits) {
+    ui.expect("FORMAT CHANGE");
+    window->show();
+    QApplication::processEvents();
+    const std::string asked =
+        "A command is still running.\r\rClose the program when it has finished?";
+    for (const Answer answer : {Answer::No, Answer::Yes}) {
+        ui.expect("TVK", answer);
+        window->command([&] {
+            EXPECT_FALSE(window->close());
+            // After Yes a second close waits too, without asking again.
+            if (answer == Answer::Yes) EXPECT_FALSE(window->close());
+        });
+        EXPECT_EQ(ui.shown.back().text, asked);
+        QApplication::processEvents();
+        EXPECT_EQ(window->isVisible(), answer == Answer::No);
+    }
+    EXPECT_EQ(statusText(2), "Please wait until the current command has finished.");
+    EXPECT_EQ(ui.titles(), (std::vector<std::string>{"FORMAT CHANGE", "TVK", "TVK"}));
+}
+
 TEST_F(MainWindowTest, DoubleClickOpensTheViewerOrSaysWhatIsWrong) {
     libraryFile("Waltz.APG", std::string(610, 'A'));
     libraryFile("Manual.pdf", "%PDF");
