@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
-#include <unistd.h>
+#include <csignal>
 
+#include "app/FileIO.h"
 #include "app/IniFile.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
@@ -195,20 +197,23 @@ TEST(IniFile, RepairWritesAFreshDefaultFile) {
               "default settings");
 }
 
-TEST(IniFile, UnwritableLibraryRootReportsAndKeepsTheOldFile) {
+TEST(IniFile, AFailedWriteReportsAndKeepsTheOldFile) {
     TestContext t;
     Context ctx = t.ctx();
     test::writeFile(t.paths.settingsFile(), "Organ Series=2\r\n");
-    std::filesystem::permissions(t.paths.libraryRoot, std::filesystem::perms::owner_read |
-                                                          std::filesystem::perms::owner_exec);
-    if (getuid() == 0) {
-        // root writes anyway; make the file name a folder instead so the write must fail.
-        std::filesystem::permissions(t.paths.libraryRoot, std::filesystem::perms::owner_all);
-        std::filesystem::create_directory(t.paths.libraryRoot / "TVK.ini.new");
-    }
+    // A file-size limit fails the write part way for any user, root included.
+    rlimit old{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit tiny = old;
+    tiny.rlim_cur = 64;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tiny), 0);
     t.ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
     WriteIniFile(ctx, false);
+    setrlimit(RLIMIT_FSIZE, &old);
     EXPECT_EQ(test::readFile(t.paths.settingsFile()), "Organ Series=2\r\n");
+    for (const auto& entry : std::filesystem::directory_iterator(t.paths.libraryRoot))
+        EXPECT_FALSE(isTemporaryName(fileNameUtf8(entry.path()))) << "left behind";
 }
 
 TEST(IniFile, FieldInputAndConversions) {

@@ -58,6 +58,14 @@ std::string readWholeFile(const std::filesystem::path& file, std::uintmax_t limi
     return bytes;
 }
 
+std::string readTextFileOrEmpty(const std::filesystem::path& file, std::size_t limit) {
+    try {
+        return readFileHead(file, limit);
+    } catch (const RuntimeError&) {
+        return {};
+    }
+}
+
 std::string readFileHead(const std::filesystem::path& file, std::size_t count) {
     detail::InputFile in(file);
     std::string bytes(count, '\0');

@@ -21,6 +21,12 @@ std::string readWholeFile(const std::filesystem::path& file,
 // At most `count` bytes from the start of the file (fewer when the file is shorter).
 std::string readFileHead(const std::filesystem::path& file, std::size_t count);
 
+// A small system or configuration file's text, read up to `limit` bytes rather than by
+// its size (kernel files report none); empty when it is absent or cannot be read, for
+// the files whose absence only means "nothing said".
+std::string readTextFileOrEmpty(const std::filesystem::path& file,
+                                std::size_t limit = std::size_t(4) << 20);
+
 // Writes `bytes` as the new contents of `file` (made or replaced). The old contents stay
 // in place until the new ones are complete and flushed.
 void writeFileReplacing(const std::filesystem::path& file, std::string_view bytes);

@@ -1,5 +1,7 @@
 #include "app/IniFile.h"
 
+#include "app/FileIO.h"
+
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -174,29 +176,7 @@ void WriteIniFile(Context& ctx, bool defaults) {
         const std::string text = formatIniFile(ctx.settings, ctx.trace.now());
         r.step(
             "Open " + pathToUtf8(file) + " For Output As #" + std::to_string(kSettingsFileNumber),
-            [&] {
-                // Written beside the old file and renamed over it, so a failed write
-                // leaves the previous settings in place.
-                auto temp = file;
-                temp += ".new";
-                {
-                    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-                    if (!out)
-                        throw RuntimeError::fromErrno(errno ? errno : EACCES, pathToUtf8(file));
-                    out << text;
-                    out.flush();
-                    if (!out) {
-                        const int err = errno ? errno : ENOSPC;
-                        out.close();
-                        std::error_code ignored;
-                        std::filesystem::remove(temp, ignored);
-                        throw RuntimeError::fromErrno(err, pathToUtf8(file));
-                    }
-                }
-                std::error_code ec;
-                std::filesystem::rename(temp, file, ec);
-                throwIfError(ec, pathToUtf8(file));
-            });
+            [&] { writeFileReplacing(file, text); });
     });
 }
 
@@ -263,13 +243,7 @@ void ReadIniFile(Context& ctx) {
         std::string text;
         const bool opened = r.step(
             "Open " + pathToUtf8(file) + " For Input As #" + std::to_string(kSettingsFileNumber),
-            [&] {
-                std::ifstream in(file, std::ios::binary);
-                if (!in) throw RuntimeError::fromErrno(errno ? errno : ENOENT, pathToUtf8(file));
-                std::ostringstream s;
-                s << in.rdbuf();
-                text = s.str();
-            });
+            [&] { text = readWholeFile(file); });
         if (!opened) return;
 
         ReadOutcome outcome = ReadOutcome::Done;

@@ -1,5 +1,7 @@
 #include "app/RegistryFile.h"
 
+#include "app/FileIO.h"
+
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -26,8 +28,9 @@ std::string RegistryFile::sectionName(RegistryRoot root, const std::string& key)
 
 std::map<std::string, RegistryFile::Section> RegistryFile::load() const {
     std::map<std::string, Section> sections;
-    std::ifstream in(file_, std::ios::binary);
-    if (!in) return sections;
+    std::error_code missing;
+    if (!std::filesystem::exists(file_, missing)) return sections;
+    std::istringstream in(readWholeFile(file_));
     std::string line, current;
     while (std::getline(in, line)) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
@@ -86,17 +89,7 @@ void RegistryFile::set(RegistryRoot root, const std::string& key, const std::str
         out << '[' << section << "]\n";
         for (const auto& [k, v] : values) out << k << '=' << v << '\n';
     }
-    auto temp = file_;
-    temp += ".new";
-    {
-        std::ofstream f(temp, std::ios::binary | std::ios::trunc);
-        if (!f) throw RuntimeError::fromErrno(errno, pathToUtf8(temp));
-        f << out.str();
-        f.flush();
-        if (!f) throw RuntimeError::fromErrno(errno, pathToUtf8(temp));
-    }
-    std::filesystem::rename(temp, file_, ec);
-    throwIfError(ec, pathToUtf8(file_));
+    writeFileReplacing(file_, out.str());
 }
 
 }  // namespace tvk

@@ -11,9 +11,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <sstream>
 #include <thread>
 
+#include "app/FileIO.h"
 #include "app/RegistryFile.h"
 #include "app/RuntimeError.h"
 #include "app/System.h"
@@ -141,7 +142,7 @@ class LinuxSystem : public System {
         const char* homeEnv = std::getenv("HOME");
         const std::filesystem::path home = pathFromUtf8(homeEnv ? homeEnv : "/");
         // A localised desktop names its Documents folder in user-dirs.dirs.
-        std::ifstream dirs(configHome() / "user-dirs.dirs");
+        std::istringstream dirs(readTextFileOrEmpty(configHome() / "user-dirs.dirs"));
         std::string line;
         while (std::getline(dirs, line)) {
             if (!startsWith(line, "XDG_DOCUMENTS_DIR=")) continue;

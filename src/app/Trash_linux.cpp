@@ -1,8 +1,9 @@
 #include <cctype>
 #include <cstdlib>
 #include <ctime>
-#include <fstream>
 
+#include "app/FileIO.h"
+#include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "app/Trash.h"
 
@@ -59,15 +60,14 @@ bool moveToTrash(const std::filesystem::path& path) {
     fs::path info;
     for (int n = 2;; ++n) {
         info = trash / "info" / pathFromUtf8(name + ".trashinfo");
-        // O_EXCL-like claim of the info file so two deletions never take one name.
-        std::FILE* f = std::fopen(info.c_str(), "wx");
-        if (f) {
-            std::fprintf(f, "[Trash Info]\nPath=%s\nDeletionDate=%s\n",
-                         percentEncode(pathToUtf8(source)).c_str(), deletionDate().c_str());
-            std::fclose(f);
+        // A new info file claims the name, so two deletions never take one.
+        try {
+            writeNewFile(info, "[Trash Info]\nPath=" + percentEncode(pathToUtf8(source)) +
+                                   "\nDeletionDate=" + deletionDate() + "\n");
             break;
+        } catch (const RuntimeError& e) {
+            if (e.number() != kErrFileAlreadyExists || n > 10000) return false;
         }
-        if (n > 10000) return false;
         name = base + "." + std::to_string(n);
     }
 

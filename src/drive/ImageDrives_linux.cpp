@@ -1,5 +1,7 @@
 #include "drive/ImageDrives.h"
 
+#include "app/FileIO.h"
+
 #include <signal.h>
 #include <unistd.h>
 
@@ -54,9 +56,14 @@ void waitUntilReleased(const fs::path& file) {
     }
 }
 
-void writeRecord(const fs::path& record, const ImageDrive& d) {
-    std::ofstream out(record, std::ios::binary | std::ios::trunc);
-    out << pathToUtf8(d.image) << "\n" << d.loopDevice << "\n";
+// Read at the next start to remove a mount a crashed run left behind.
+std::string writeRecord(const fs::path& record, const ImageDrive& d) {
+    try {
+        writeFileReplacing(record, pathToUtf8(d.image) + "\n" + d.loopDevice + "\n");
+        return {};
+    } catch (const RuntimeError& e) {
+        return std::string("its mount record could not be written: ") + e.what();
+    }
 }
 
 std::string detachLoop(const std::string& loop) {
@@ -152,7 +159,11 @@ std::string ImageDrives::mount(ImageDrive& d) {
     } else {
         return "no driver here mounts a " + probe->fileSystemName + " image";
     }
-    writeRecord(fs::path(d.mountDir).concat(".image"), d);
+    if (auto problem = writeRecord(fs::path(d.mountDir).concat(".image"), d); !problem.empty()) {
+        detachLoop(d.loopDevice);
+        d.loopDevice.clear();
+        return problem;
+    }
     const auto r = runProcess(command);
     if (!r.ok() || !isMountPoint(d.mountDir)) {
         detachLoop(d.loopDevice);

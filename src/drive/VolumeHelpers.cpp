@@ -1,9 +1,9 @@
 #include "drive/VolumeHelpers.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 
+#include "app/FileIO.h"
 #include "app/Text.h"
 
 namespace tvk {
@@ -11,8 +11,7 @@ namespace tvk {
 namespace fs = std::filesystem;
 
 std::string readTextFile(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
+    return readTextFileOrEmpty(file);
 }
 
 DriveType blockDeviceType(const fs::path& sysfsDevice, unsigned major) {
@@ -21,9 +20,7 @@ DriveType blockDeviceType(const fs::path& sysfsDevice, unsigned major) {
     std::error_code ec;
     const fs::path disk =
         fs::exists(sysfsDevice / "partition", ec) ? sysfsDevice.parent_path() : sysfsDevice;
-    std::ifstream in(disk / "removable");
-    std::string flag;
-    in >> flag;
+    const std::string flag = trimWhitespace(readTextFile(disk / "removable"));
     const bool onUsb = pathToUtf8(sysfsDevice).find("/usb") != std::string::npos;
     return flag == "1" || onUsb ? DriveType::Removable : DriveType::Fixed;
 }

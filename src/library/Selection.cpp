@@ -6,18 +6,11 @@
 #include "app/Routine.h"
 #include "app/Text.h"
 #include "organfiles/DisplayFileInfo.h"
+#include "organfiles/OrganNames.h"
 
 namespace tvk {
 
 namespace {
-
-std::string extensionOf(const std::string& name) {
-    return toUpperAscii(utf8Right(name, 3));
-}
-
-bool isOneOf(const std::string& ext, std::initializer_list<const char*> list) {
-    return std::any_of(list.begin(), list.end(), [&](const char* e) { return ext == e; });
-}
 
 // The selected-file table holds 1,500 names; one more is an index error, and Ignore
 // keeps the first 1,500.
@@ -45,7 +38,7 @@ void showFileInfo(Context& ctx, Routine& r, const ListClick& click) {
         return;
     }
     r.step("DisplayFileInfo " + pathToUtf8(file),
-           [&] { state.fileInfoText = DisplayFileInfo(ctx, pathToUtf8(file)); });
+           [&] { state.fileInfoText = DisplayFileInfo(ctx, file); });
 }
 
 }  // namespace
@@ -68,7 +61,7 @@ std::string selectionStatus(std::size_t selected, std::size_t total) {
 }
 
 bool isPresetName(const std::string& name) {
-    return isOneOf(extensionOf(name), {"SPG", "APG", "EPG", "LPG"});
+    return fileKind(name) == FileKind::Preset;
 }
 
 namespace {
@@ -103,14 +96,15 @@ void fileListClick(Context& ctx, const ListClick& click) {
 }
 
 DoubleClickAction doubleClickAction(ListControl list, const std::string& name) {
-    const auto ext = extensionOf(name);
-    if (isOneOf(ext, {"MP3", "MID"})) return DoubleClickAction::Play;
+    const FileKind kind = fileKind(name);
+    const std::string ext = extensionOf(name);
+    if (kind == FileKind::Mp3 || kind == FileKind::Midi) return DoubleClickAction::Play;
     if (ext == "PDF") return DoubleClickAction::OpenWithDesktop;
-    // The thumbdrive only holds the organ's own kinds, so fewer extensions open there.
-    const bool organFile = list == ListControl::flbUSB
-                               ? isOneOf(ext, {"LPG", "EPG", "LMR", "EMR"})
-                               : isOneOf(ext, {"APG", "SPG", "LPG", "EPG", "SMR", "LMR", "EMR"});
-    return organFile ? DoubleClickAction::View : DoubleClickAction::None;
+    if (kind != FileKind::Preset && kind != FileKind::Recording) return DoubleClickAction::None;
+    // The thumbdrive only holds the organ's own kinds, so fewer extensions open there; on
+    // the computer an A-series recording has never opened, and still does not.
+    const bool opens = list == ListControl::flbUSB ? isStickOrganExtension(ext) : ext != "AMR";
+    return opens ? DoubleClickAction::View : DoubleClickAction::None;
 }
 
 bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {

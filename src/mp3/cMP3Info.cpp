@@ -1,5 +1,7 @@
 #include "mp3/cMP3Info.h"
 
+#include "app/FileIO.h"
+
 #include <cerrno>
 #include <cmath>
 #include <fstream>
@@ -74,24 +76,6 @@ bool findHeaderIn(std::string_view bytes, std::uint64_t start, mp3::FrameFields&
         }
     }
     return false;
-}
-
-void writeWhole(const std::filesystem::path& file, std::string_view bytes) {
-    // Written beside the original and swapped in, so a failure leaves the original.
-    std::filesystem::path temp = file;
-    temp += ".tvk-tmp";
-    {
-        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        if (!out) throw RuntimeError::fromErrno(errno ? errno : EACCES, pathToUtf8(temp));
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        out.close();
-        if (!out) {
-            std::error_code ec;
-            std::filesystem::remove(temp, ec);
-            throw RuntimeError(kErrDiskFull, pathToUtf8(temp));
-        }
-    }
-    std::filesystem::rename(temp, file);
 }
 
 }  // namespace
@@ -260,7 +244,7 @@ bool cMP3Info::RemovePreHeader() {
             const std::string rest =
                 readAt(in, headerOffset_, static_cast<std::size_t>(length - headerOffset_));
             in.close();
-            writeWhole(file_, rest);
+            writeFileReplacing(file_, rest);
             removed = true;
         });
     });

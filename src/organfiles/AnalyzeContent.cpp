@@ -13,11 +13,12 @@ ContentCounts countFiles(const std::vector<std::string>& names) {
     ContentCounts c;
     for (const auto& name : names) {
         ++c.all;
-        const std::string ext = extensionOf(name);
-        if (ext == "EMR" || ext == "LMR") ++c.music;
-        if (ext == "EPG" || ext == "LPG") ++c.presets;
-        if (ext == "MP3") ++c.mp3;
-        if (ext == "MID") ++c.midi;
+        const FileKind kind = fileKind(name);
+        const bool organ = isStickOrganExtension(extensionOf(name));
+        if (organ && kind == FileKind::Recording) ++c.music;
+        if (organ && kind == FileKind::Preset) ++c.presets;
+        if (kind == FileKind::Mp3) ++c.mp3;
+        if (kind == FileKind::Midi) ++c.midi;
     }
     if (c.all > 0) c.other = c.all - (c.presets + c.music + c.mp3 + c.midi);
     return c;

@@ -1,5 +1,7 @@
 #include "organfiles/MakeFiles.h"
 
+#include "app/FileIO.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -43,14 +45,6 @@ std::vector<std::string> buttonCodes(Series family) {
         for (int n = family == Series::SU ? 1 : 0; n <= 10; ++n)
             codes.push_back(std::string(1, bank) + std::to_string(n));
     return codes;
-}
-
-void writeFile(const std::filesystem::path& file, const std::string& bytes) {
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out) throw RuntimeError::fromErrno(errno, pathToUtf8(file));
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (!out) throw RuntimeError::fromErrno(errno ? errno : EIO, pathToUtf8(file));
 }
 
 struct Job {
@@ -113,7 +107,8 @@ void writeJob(Routine& r, const Job& job, RandomSource& random, MakeFilesResult&
         ui.setStatus(StatusPanel::Progress, "Writing " + name);
         const std::string bytes =
             buildTestFile(job.family, job.kind, MakeRandomName(random), random);
-        if (r.step("Write " + name, [&] { writeFile(result.folder / pathFromUtf8(name), bytes); }))
+        if (r.step("Write " + name,
+                   [&] { writeFileReplacing(result.folder / pathFromUtf8(name), bytes); }))
             result.written.push_back(name);
         ++number;
         ui.setProgress(++done);

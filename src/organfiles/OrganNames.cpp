@@ -112,6 +112,10 @@ bool isGenericExtension(std::string_view upperExtension) {
     return upperExtension == "LPG" || upperExtension == "LMR";
 }
 
+bool isStickOrganExtension(std::string_view upperExtension) {
+    return isGenericExtension(upperExtension) || upperExtension == "EPG" || upperExtension == "EMR";
+}
+
 std::optional<Series> seriesOf(std::string_view name) {
     const std::string ext = extensionOf(name);
     if (const auto own = seriesOfOwnExtension(ext)) return own;

@@ -29,6 +29,9 @@ const char* seriesCode(Series series);    // "SU", "A", "E" ("ALL" for the view 
 std::string extensionOf(std::string_view name);
 FileKind fileKind(std::string_view name);
 bool isGenericExtension(std::string_view upperExtension);  // "LPG", "LMR"
+// The organ-file extensions the organ itself lists from a stick: the E family's and the
+// generic ones. SU and A files on a stick count and open as other files.
+bool isStickOrganExtension(std::string_view upperExtension);
 
 // The family a file belongs to: from its own extension, or for the generic extensions
 // from its prefix. nullopt when neither tells (MYSET.LPG, NOTES.TXT).
