@@ -1,9 +1,11 @@
+#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include "app/CommonRoutines.h"
 #include "app/RegistryFile.h"
 #include "app/Text.h"
 #include "app/Trash.h"
+#include "support/ScriptedInteraction.h"
 #include "support/TestContext.h"
 
 namespace tvk {
@@ -126,6 +128,22 @@ TEST(LinuxSystem, SingleInstanceLockIsHeldUntilTheHolderEnds) {
     EXPECT_FALSE(makePlatformSystem()->acquireSingleInstance());
     first.reset();  // as a crashed instance's lock goes with its process
     EXPECT_TRUE(makePlatformSystem()->acquireSingleInstance());
+}
+
+// The scripted boxes are checked when the test ends: one that never appeared fails it.
+TEST(ScriptedBoxes, AnExpectedBoxOrPromptThatNeverAppearsFailsTheTest) {
+    EXPECT_NONFATAL_FAILURE(
+        {
+            test::ScriptedInteraction ui;
+            ui.expect("NO TAVRIN FOLDER", Answer::Yes);
+        },
+        "expected box [NO TAVRIN FOLDER] never appeared");
+    EXPECT_NONFATAL_FAILURE(
+        {
+            test::ScriptedInteraction ui;
+            ui.expectPrompt("RENAME VOLUME", "ORGAN");
+        },
+        "expected prompt [RENAME VOLUME] never appeared");
 }
 
 }  // namespace

@@ -23,6 +23,13 @@ Answer cautiousAnswer(Buttons buttons) {
 }
 }  // namespace
 
+ScriptedInteraction::~ScriptedInteraction() {
+    for (const Box& box : boxes_)
+        ADD_FAILURE() << "expected box [" << box.title << "] never appeared";
+    for (const Reply& reply : answers_)
+        ADD_FAILURE() << "expected prompt [" << reply.title << "] never appeared";
+}
+
 ScriptedInteraction& ScriptedInteraction::expect(std::string title, Answer answer) {
     boxes_.push_back({std::move(title), answer});
     return *this;

@@ -14,6 +14,12 @@ namespace tvk::test {
 
 class ScriptedInteraction : public Interaction {
   public:
+    ScriptedInteraction() = default;
+    ScriptedInteraction(const ScriptedInteraction&) = delete;
+    ScriptedInteraction& operator=(const ScriptedInteraction&) = delete;
+    // Fails the running test when a box or prompt it was told to expect never appeared.
+    ~ScriptedInteraction() override;
+
     // The next box must carry this title; it is answered with `answer`.
     ScriptedInteraction& expect(std::string title, Answer answer = Answer::Ok);
     ScriptedInteraction& expectPrompt(std::string title, std::optional<std::string> answer);
