@@ -22,6 +22,9 @@ fi
 echo "== Fuzzing (sanitized harnesses: corpus replay, then a few seconds each) =="
 scripts/fuzz.sh --seconds 8 || status=1
 
+echo "== Sanitizers (core tests under the address and undefined-behaviour checks) =="
+scripts/sanitize.sh || status=1
+
 echo "== Tests =="
 (cd "$build" && ctest --output-on-failure -j "$(nproc)") || status=1
 exit $status
