@@ -60,6 +60,7 @@ Answer ScriptedInteraction::message(const Message& box) {
 std::optional<std::string> ScriptedInteraction::prompt(const std::string& title,
                                                        const std::string& text,
                                                        const std::string&) {
+    prompted.push_back(text);
     if (answers_.empty()) {
         if (!lenient) ADD_FAILURE() << "unexpected prompt [" << title << "] " << text;
         return std::nullopt;

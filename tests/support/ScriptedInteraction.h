@@ -37,6 +37,7 @@ class ScriptedInteraction : public Interaction {
     void processEvents() override { ++eventsPumped; }
 
     std::vector<Message> shown;                 // every box, in order
+    std::vector<std::string> prompted;          // every prompt's text, in order
     std::map<StatusPanel, std::string> status;  // last text of each panel
     bool progressVisible = false;
     int progressValue = 0;
