@@ -5,7 +5,6 @@
 #include "app/PlainFiles.h"
 #include "app/Routine.h"
 #include "app/Text.h"
-#include "library/Selection.h"
 #include "organfiles/OrganNames.h"
 
 namespace tvk {
@@ -108,7 +107,6 @@ void deleteFiles(Context& ctx, Routine& r, const ListSelection& s, DeleteReport&
         }
         ctx.ui.hideProgress();
     }
-    forgetSelection(ctx.state);
     refreshLists(ctx.state);
 }
 

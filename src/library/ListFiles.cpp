@@ -3,6 +3,7 @@
 #include "app/FileIO.h"
 #include "app/Routine.h"
 #include "app/Text.h"
+#include "library/Selection.h"
 
 namespace tvk {
 
@@ -17,6 +18,8 @@ ListSelection activeSelection(const MainState& state) {
 }
 
 void refreshLists(MainState& state) {
+    // The redrawn lists have lost their selection.
+    forgetSelection(state);
     if (state.refreshLists) state.refreshLists();
 }
 

@@ -28,7 +28,7 @@ std::filesystem::path listFolder(const MainState& state, std::string_view list);
 // The active list with its folder and selected-file table.
 ListSelection activeSelection(const MainState& state);
 
-// Redraws both lists (and with them the folder tree) when a window is attached.
+// Redraws both lists when a window is attached; the selection is gone afterwards.
 void refreshLists(MainState& state);
 
 // True when `to` differs from `from` in case only and the folder holds no file of exactly

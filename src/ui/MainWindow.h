@@ -93,6 +93,7 @@ class MainWindow : public QMainWindow {
     friend struct MainWindowBuilder;
     void buildPanes();
     void buildMenus();
+    void connectFileCommands();
     void connectSignals();
     void activate();
     // Abort with the trace off, or an error with the trap off: the program ends at once,

@@ -5,7 +5,11 @@
 #include "drive/VolumeCommands.h"
 #include "library/CategoryViews.h"
 #include "library/CopyPaste.h"
+#include "library/DeleteFiles.h"
+#include "library/ListCommands.h"
+#include "library/RenameFile.h"
 #include "library/Selection.h"
+#include "ui/ContextMenu.h"
 #include "ui/FolderTree.h"
 #include "ui/MainWindow.h"
 #include "ui/MakeFilesDialog.h"
@@ -161,11 +165,64 @@ void MainWindow::buildMenus() {
             });
         });
     }
-    // Commands still being added to the program say so rather than doing nothing.
-    for (const char* name : {"mnuFileRename", "mnuFileConvert", "mnuEditDelete", "mnuEditNewFldr",
-                             "mnuFileEmpty", "mnuFilePrint"}) {
-        QAction* a = actions_.at(name);
-        on(name, [this, a] { command([&] { notAvailable(a->text()); }); });
+    connectFileCommands();
+}
+
+// File > Rename, Convert, Delete, New Folder, Empty Bin, Print Preset Pool, and the
+// lists' context menu that forwards to them.
+void MainWindow::connectFileCommands() {
+    auto on = [this](const char* name, auto body) {
+        connect(actions_.at(name), &QAction::triggered, this, [this, body] {
+            command([&] {
+                auto ctx = context();
+                body(ctx);
+            });
+        });
+    };
+    // The list last worked in, with its folder and selected-file table.
+    auto selection = [this] {
+        ListSelection s = activeSelection(session_.state);
+        if (s.list == kFlbDocs || s.list == kFlbUSB) {
+            const auto* list = s.list == kFlbUSB ? flbUSB_ : flbDocs_;
+            s.folder = list->folder();
+            // The table holds 1,500 names; beyond that the click already said so.
+            if (auto names = list->selectedNames();
+                names.size() <= static_cast<std::size_t>(kMaxSelected))
+                s.names = std::move(names);
+        } else if (s.list == kDirDocs) {
+            s.folder = dirDocs_->currentFolder();
+        }
+        return s;
+    };
+    auto docsEntries = [this] {
+        std::vector<std::string> names;
+        for (int i = 0; i < flbDocs_->count(); ++i) names.push_back(us(flbDocs_->item(i)->text()));
+        return names;
+    };
+    on("mnuFileRename", [selection](Context& ctx) {
+        const ListSelection s = selection();
+        if (s.names.size() == 1) mnuFileRename_Click(ctx, {s.list, s.folder, s.names.front()});
+    });
+    on("mnuEditDelete", [this, selection](Context& ctx) {
+        mnuEditDelete_Click(ctx, selection());
+        dirDocs_->refresh();
+        refreshAll();
+    });
+    on("mnuFileEmpty", [](Context& ctx) { mnuFileEmpty_Click(ctx); });
+    on("mnuEditNewFldr", [this](Context& ctx) {
+        if (mnuEditNewFldr_Click(ctx, dirDocs_->currentFolder())) dirDocs_->refresh();
+    });
+    on("mnuFileConvert", [this, docsEntries](Context& ctx) {
+        mnuFileConvert_Click(ctx, {kFlbDocs, flbDocs_->folder(), docsEntries()});
+    });
+    on("mnuFilePrint", [docsEntries](Context& ctx) { mnuFilePrint_Click(ctx, docsEntries()); });
+
+    auto* menu = new ContextMenu(
+        actions_, [this](const QString& list) { session_.state.activeList = us(list); }, this);
+    for (QWidget* control : std::initializer_list<QWidget*>{flbDocs_, flbUSB_, dirDocs_}) {
+        control->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(control, &QWidget::customContextMenuRequested, this,
+                [menu, control](QPoint at) { menu->popupFor(control, control->mapToGlobal(at)); });
     }
 }
 
