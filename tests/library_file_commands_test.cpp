@@ -40,7 +40,7 @@ TEST_F(FileCommandsTest, DeletingAFolderAsksByWhetherItIsEmpty) {
         if (c.withFile) tree.write("lib/Old Songs/a.MP3", "a");
         ui.shown.clear();
         ui.expect("DELETE FOLDER", c.answer);
-        const auto report = mnuEditDelete_Click(ctx, {"dirDocs", folder, {}});
+        const auto report = mnuEditDelete_Click(ctx, {ListControl::dirDocs, folder, {}});
         std::string text = c.text;
         text.replace(text.find('@'), 1, pathToUtf8(folder));
         EXPECT_EQ(ui.shown.at(0).text, text);
@@ -53,7 +53,7 @@ TEST_F(FileCommandsTest, DeletingAFolderAsksByWhetherItIsEmpty) {
     EXPECT_EQ(recycledNames(), std::vector<std::string>{"Old Songs"});
     // The library folder itself is never offered.
     ui.expect("DELETE FOLDER");
-    mnuEditDelete_Click(ctx, {"dirDocs", session.paths.libraryRoot, {}});
+    mnuEditDelete_Click(ctx, {ListControl::dirDocs, session.paths.libraryRoot, {}});
     EXPECT_TRUE(fs::is_directory(session.paths.libraryRoot));
 }
 
@@ -62,15 +62,15 @@ TEST_F(FileCommandsTest, DeletingLibraryFilesConfirmsOnceAndShowsProgress) {
     for (const char* n : {"a.SPG", "b.SPG", "c.SPG", "d.SPG"})
         tree.write(std::string("lib/") + n, n);
     ui.expect("DELETE FILE", Answer::No).expect("DELETE FILE", Answer::Yes);
-    mnuEditDelete_Click(ctx, {"flbDocs", folder, {"a.SPG"}});
-    mnuEditDelete_Click(ctx, {"flbDocs", folder, {"a.SPG"}});
+    mnuEditDelete_Click(ctx, {ListControl::flbDocs, folder, {"a.SPG"}});
+    mnuEditDelete_Click(ctx, {ListControl::flbDocs, folder, {"a.SPG"}});
     EXPECT_EQ(ui.shown.at(0).text, "Please confirm you want to delete the file...");
     EXPECT_EQ(ui.shown.at(0).icon, Icon::Exclamation);
 
     ui.shown.clear();
     ui.expect("DELETE FILE", Answer::Yes);
     session.state.selected = {"b.SPG", "c.SPG", "d.SPG"};
-    session.state.activeList = "flbDocs";
+    session.state.activeList = ListControl::flbDocs;
     session.state.docsFolder = folder;
     const auto report = mnuEditDelete_Click(ctx);
     EXPECT_EQ(ui.shown.at(0).text, "Please confirm you want to delete 3 files?");
@@ -84,12 +84,13 @@ TEST_F(FileCommandsTest, DeletingLibraryFilesConfirmsOnceAndShowsProgress) {
     // A file gone meanwhile is reported, and Ignore goes on with the next.
     tree.write("lib/e.SPG", "e");
     ui.expect("DELETE FILE", Answer::Yes).expect("TVK: RUNTIME ERROR", Answer::Ignore);
-    EXPECT_EQ(mnuEditDelete_Click(ctx, {"flbDocs", folder, {"gone.SPG", "e.SPG"}}).deleted,
-              std::vector<std::string>{"e.SPG"});
+    EXPECT_EQ(
+        mnuEditDelete_Click(ctx, {ListControl::flbDocs, folder, {"gone.SPG", "e.SPG"}}).deleted,
+        std::vector<std::string>{"e.SPG"});
     EXPECT_TRUE(ui.done());
     // Nothing selected, or not a list: nothing happens.
-    mnuEditDelete_Click(ctx, {"flbDocs", folder, {}});
-    mnuEditDelete_Click(ctx, {"btnSort", folder, {"x"}});
+    mnuEditDelete_Click(ctx, {ListControl::flbDocs, folder, {}});
+    mnuEditDelete_Click(ctx, {ListControl::None, folder, {"x"}});
 }
 
 TEST_F(FileCommandsTest, EmptyBinAsksThenRecyclesTheBinsFiles) {
@@ -142,13 +143,13 @@ TEST_F(FileCommandsTest, ConvertDropsTheNumberAndCountsClashes) {
                                             "Waltz_#012.EPG", "Waltz_#013.EPG", "x_#1"};
     for (const auto& n : names) tree.write("lib/" + n, n);
     ui.expect("CONVERT FILENAMES", Answer::No);
-    mnuFileConvert_Click(ctx, {"flbDocs", folder, names});
+    mnuFileConvert_Click(ctx, {ListControl::flbDocs, folder, names});
     EXPECT_EQ(ui.shown.at(0).text,
               "This process will convert ALL Presetname files from the old format of...\r"
               "\"Preset Name_#123.EPG\"\r TO\r\"Preset Name.EPG\"\rin the \"" +
                   pathToUtf8(folder) + "\" folder.\rDo you want to continue?");
     ui.expect("CONVERT FILENAMES", Answer::Yes).expect("TVK");
-    const auto report = mnuFileConvert_Click(ctx, {"flbDocs", folder, names});
+    const auto report = mnuFileConvert_Click(ctx, {ListControl::flbDocs, folder, names});
     EXPECT_EQ(report.copies, 2);
     EXPECT_EQ(ui.shown.back().text, "There are 2 copies of files.");
     EXPECT_EQ(tree.list("lib"), (std::vector<std::string>{"Plain.EPG", "Tango.EPG", "Waltz (1).EPG",
@@ -180,7 +181,7 @@ TEST(DeleteToTrash, LibraryFilesGoToTheDesktopTrash) {
     const fs::path folder = tree.mkdir("lib");
     tree.write("lib/Waltz.SPG", "w");
     ui.expect("DELETE FILE", Answer::Yes);
-    mnuEditDelete_Click(ctx, {"flbDocs", folder, {"Waltz.SPG"}});
+    mnuEditDelete_Click(ctx, {ListControl::flbDocs, folder, {"Waltz.SPG"}});
     EXPECT_FALSE(tree.exists("lib/Waltz.SPG"));
     EXPECT_EQ(tree.read("data/Trash/files/Waltz.SPG"), "w");
     EXPECT_NE(tree.read("data/Trash/info/Waltz.SPG.trashinfo").find("Path=" + pathToUtf8(folder)),
@@ -212,7 +213,7 @@ TEST(DeleteFromStick, FilesGoToTheProgramsBinAndAPulledStickLosesNothing) {
     const fs::path tavrin = drives.root() / "TAVRIN";
 
     drives.ui.expect("DELETE FILE", Answer::Yes);
-    const auto one = mnuEditDelete_Click(ctx, {"flbUSB", tavrin, {"SUPSET01.LPG"}});
+    const auto one = mnuEditDelete_Click(ctx, {ListControl::flbUSB, tavrin, {"SUPSET01.LPG"}});
     EXPECT_EQ(one.binNames, std::vector<std::string>{"SUPSET01 (1).LPG"});
     EXPECT_FALSE(fs::exists(tavrin / "SUPSET01.LPG"));
     EXPECT_EQ(test::readFile(bin / "SUPSET01.LPG"), "older");
@@ -226,7 +227,7 @@ TEST(DeleteFromStick, FilesGoToTheProgramsBinAndAPulledStickLosesNothing) {
     Session& s = *drives.session;
     Context pulled{s.trace, s.settings, pulling, *s.system, s.paths, s.state, s.volumes.get()};
     const auto report = mnuEditDelete_Click(
-        pulled, {"flbUSB", tavrin, {"SUPSET02.LPG", "SUPSET03.LPG", "SUPSET04.LPG"}});
+        pulled, {ListControl::flbUSB, tavrin, {"SUPSET02.LPG", "SUPSET03.LPG", "SUPSET04.LPG"}});
     EXPECT_EQ(report.deleted, std::vector<std::string>{"SUPSET02.LPG"});
     ASSERT_GE(pulling.shown.size(), 2u);
     EXPECT_NE(pulling.shown.at(1).text.find("Err#71"), std::string::npos);

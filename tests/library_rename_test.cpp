@@ -32,7 +32,7 @@ struct RenameTest : test::SessionTest {
                         const std::vector<std::pair<std::string, Answer>>& boxes = {}) {
         for (const auto& a : answers) ui.expectPrompt("RENAME FILE", a);
         for (const auto& [title, answer] : boxes) ui.expect(title, answer);
-        auto report = mnuFileRename_Click(ctx, {list, folder, file});
+        auto report = mnuFileRename_Click(ctx, {listControlFromName(list), folder, file});
         EXPECT_TRUE(ui.done()) << file;
         return report;
     }
@@ -244,9 +244,10 @@ TEST_F(RenameTest, RefusedNamesAndUnwritablePresetsLeaveTheFileAsItWas) {
         ui.expectPrompt("RENAME FILE", c.answer).expect("TVK: RUNTIME ERROR", c.verdict);
         // Untraced, Abort ends the program.
         if (c.verdict == Answer::Abort)
-            EXPECT_THROW(mnuFileRename_Click(ctx, {"flbDocs", folder, c.file}), ProgramEnd);
+            EXPECT_THROW(mnuFileRename_Click(ctx, {ListControl::flbDocs, folder, c.file}),
+                         ProgramEnd);
         else
-            EXPECT_FALSE(mnuFileRename_Click(ctx, {"flbDocs", folder, c.file}).renamed);
+            EXPECT_FALSE(mnuFileRename_Click(ctx, {ListControl::flbDocs, folder, c.file}).renamed);
         EXPECT_TRUE(ui.done());
         EXPECT_EQ(test::readFile(file), bytes);
         ASSERT_EQ(ui.shown.size(), 1u);
@@ -261,7 +262,7 @@ TEST_F(RenameTest, RefusedNamesAndUnwritablePresetsLeaveTheFileAsItWas) {
     tree.write("lib/Short.SPG", bytes.substr(0, 47));
     ui.shown.clear();
     ui.expect("TVK");
-    EXPECT_FALSE(mnuFileRename_Click(ctx, {"flbDocs", folder, "Short.SPG"}).renamed);
+    EXPECT_FALSE(mnuFileRename_Click(ctx, {ListControl::flbDocs, folder, "Short.SPG"}).renamed);
     EXPECT_EQ(ui.shown.at(0).text,
               "\"Short.SPG\" is too short to hold a name, so it is not a preset or recording "
               "the organ made.\rIt was left as it was.");
@@ -270,7 +271,7 @@ TEST_F(RenameTest, RefusedNamesAndUnwritablePresetsLeaveTheFileAsItWas) {
     // Gone since the list was drawn.
     ui.shown.clear();
     ui.expectPrompt("RENAME FILE", "8").expect("TVK: RUNTIME ERROR", Answer::Ignore);
-    EXPECT_FALSE(mnuFileRename_Click(ctx, {"flbUSB", folder, "SUPSET07.LPG"}).renamed);
+    EXPECT_FALSE(mnuFileRename_Click(ctx, {ListControl::flbUSB, folder, "SUPSET07.LPG"}).renamed);
     EXPECT_NE(ui.shown.at(0).text.find("53"), std::string::npos);
 }
 
@@ -284,10 +285,10 @@ TEST(RenameOnStick, CaseOnlyChangesAndRenumberingWorkOnFat) {
     const auto tavrin = drives.root() / "TAVRIN";
 
     drives.ui.expectPrompt("RENAME FILE", "x");
-    EXPECT_EQ(mnuFileRename_Click(ctx, {"flbUSB", tavrin, "X.MP3"}).newName, "x.MP3");
+    EXPECT_EQ(mnuFileRename_Click(ctx, {ListControl::flbUSB, tavrin, "X.MP3"}).newName, "x.MP3");
     drives.ui.expectPrompt("RENAME FILE", "8").expect("NUMBER IN USE", Answer::Retry);
     drives.ui.expectPrompt("RENAME FILE", "9");
-    EXPECT_TRUE(mnuFileRename_Click(ctx, {"flbUSB", tavrin, "SUPSET07.LPG"}).renamed);
+    EXPECT_TRUE(mnuFileRename_Click(ctx, {ListControl::flbUSB, tavrin, "SUPSET07.LPG"}).renamed);
     EXPECT_TRUE(drives.ui.done());
     std::vector<std::string> names;
     for (const auto& e : fs::directory_iterator(tavrin)) names.push_back(fileNameUtf8(e.path()));

@@ -18,7 +18,7 @@ int runConvert(std::vector<std::string>& args, ConsoleInteraction& ui) {
     const auto folder = folderArgument(drives.ctx, ui, args[0]);
     if (!folder) return 1;
     const ConvertReport report =
-        mnuFileConvert_Click(drives.ctx, {kFlbDocs, *folder, listPlainFiles(*folder)});
+        mnuFileConvert_Click(drives.ctx, {ListControl::flbDocs, *folder, listPlainFiles(*folder)});
     for (const auto& [from, to] : report.renamed) ui.out() << from << " -> " << to << "\n";
     return 0;
 }

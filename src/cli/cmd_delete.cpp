@@ -12,9 +12,9 @@ namespace {
 
 int runDelete(std::vector<std::string>& args, ConsoleInteraction& ui) {
     DriveSession drives(args, ui);
-    const bool tree = !args.empty() && args[0] == kDirDocs;
-    if (args.size() < 2 || (tree && args.size() != 2) ||
-        (!tree && (args.size() < 3 || (args[0] != kFlbDocs && args[0] != kFlbUSB)))) {
+    const ListControl list = args.empty() ? ListControl::None : listControlFromName(args[0]);
+    const bool tree = list == ListControl::dirDocs;
+    if ((tree && args.size() != 2) || (!tree && (args.size() < 3 || !isFileList(list)))) {
         ui.err() << "usage: tvk delete flbDocs|flbUSB FOLDER|STICK NAME... [--drive-image FILE]\n"
                     "       tvk delete dirDocs FOLDER\n";
         return 2;
@@ -22,11 +22,11 @@ int runDelete(std::vector<std::string>& args, ConsoleInteraction& ui) {
     Context& ctx = drives.ctx;
     const auto folder = folderArgument(ctx, ui, args[1]);
     if (!folder) return 1;
-    ListSelection selection{args[0], *folder, {}};
+    ListSelection selection{list, *folder, {}};
     if (!tree) {
         // Selecting the names fills the selected-file table as a click does.
         const std::vector<std::string> names(args.begin() + 2, args.end());
-        fileListClick(ctx, {args[0], *folder, {}, names, names.size()});
+        fileListClick(ctx, {list, *folder, {}, names, names.size()});
         selection.names = ctx.state.selected;
     }
     const DeleteReport report = mnuEditDelete_Click(ctx, selection);

@@ -11,13 +11,14 @@ namespace {
 
 int runRename(std::vector<std::string>& args, ConsoleInteraction& ui) {
     DriveSession drives(args, ui);
-    if (args.size() != 3 || (args[0] != kFlbDocs && args[0] != kFlbUSB)) {
+    const ListControl list = args.empty() ? ListControl::None : listControlFromName(args[0]);
+    if (args.size() != 3 || !isFileList(list)) {
         ui.err() << "usage: tvk rename flbDocs|flbUSB FOLDER|STICK NAME [--drive-image FILE]\n";
         return 2;
     }
     const auto folder = folderArgument(drives.ctx, ui, args[1]);
     if (!folder) return 1;
-    const RenameReport report = mnuFileRename_Click(drives.ctx, {args[0], *folder, args[2]});
+    const RenameReport report = mnuFileRename_Click(drives.ctx, {list, *folder, args[2]});
     if (report.renamed) ui.out() << report.newName << "\n";
     return report.renamed ? 0 : 1;
 }

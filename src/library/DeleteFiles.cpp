@@ -76,7 +76,7 @@ void deleteFolder(Context& ctx, Routine& r, const fs::path& folder, DeleteReport
 void deleteOne(Context& ctx, Routine& r, const ListSelection& s, const std::string& name,
                DeleteReport& report) {
     const fs::path path = s.folder / pathFromUtf8(name);
-    if (s.list == kFlbUSB) {
+    if (s.list == ListControl::flbUSB) {
         const std::string binName = toProgramBin(ctx, r, path);
         if (binName.empty()) return;
         report.binNames.push_back(binName);
@@ -114,8 +114,8 @@ void deleteFiles(Context& ctx, Routine& r, const ListSelection& s, DeleteReport&
 
 DeleteReport mnuEditDelete_Click(Context& ctx, const ListSelection& selection) {
     DeleteReport report;
-    const bool tree = selection.list == kDirDocs;
-    if (!tree && selection.list != kFlbDocs && selection.list != kFlbUSB) return report;
+    const bool tree = selection.list == ListControl::dirDocs;
+    if (!tree && !isFileList(selection.list)) return report;
     if (!tree && selection.names.empty()) return report;
     routine(ctx, "frmMain.mnuEditDelete_Click", [&](Routine& r) {
         if (tree)

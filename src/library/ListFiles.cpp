@@ -7,8 +7,8 @@
 
 namespace tvk {
 
-std::filesystem::path listFolder(const MainState& state, std::string_view list) {
-    if (list == kFlbUSB)
+std::filesystem::path listFolder(const MainState& state, ListControl list) {
+    if (list == ListControl::flbUSB)
         return state.drive.present ? state.drive.tavrinFolder() : std::filesystem::path();
     return state.docsFolder;
 }

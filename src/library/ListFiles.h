@@ -11,20 +11,16 @@
 
 namespace tvk {
 
-inline constexpr const char* kDirDocs = "dirDocs";
-inline constexpr const char* kFlbDocs = "flbDocs";
-inline constexpr const char* kFlbUSB = "flbUSB";
-
 // The entries a command works on: the list's control name, its folder and the names.
 struct ListSelection {
-    std::string list;  // "dirDocs", "flbDocs" or "flbUSB"
+    ListControl list = ListControl::None;
     std::filesystem::path folder;
     std::vector<std::string> names;
 };
 
 // The folder a list shows: flbDocs and dirDocs the library folder chosen in the tree,
 // flbUSB the stick's TAVRIN folder (empty while no stick is accepted).
-std::filesystem::path listFolder(const MainState& state, std::string_view list);
+std::filesystem::path listFolder(const MainState& state, ListControl list);
 // The active list with its folder and selected-file table.
 ListSelection activeSelection(const MainState& state);
 

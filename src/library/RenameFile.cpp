@@ -290,12 +290,12 @@ RenameReport Renaming::fileNameFlow() {
 }  // namespace
 
 RenameReport mnuFileRename_Click(Context& ctx, const RenameRequest& request) {
-    if ((request.list != kFlbDocs && request.list != kFlbUSB) || request.fileName.empty())
-        return {};
+    if (!isFileList(request.list) || request.fileName.empty()) return {};
     return routine(ctx, "frmMain.mnuFileRename_Click",
                    [&](Routine& r) {
-                       const Plan plan = request.list == kFlbUSB ? stickPlan(request.fileName)
-                                                                 : computerPlan(request.fileName);
+                       const Plan plan = request.list == ListControl::flbUSB
+                                             ? stickPlan(request.fileName)
+                                             : computerPlan(request.fileName);
                        Renaming renaming{ctx, r, request, plan};
                        switch (plan.flow) {
                            case Flow::Number:

@@ -11,7 +11,7 @@
 namespace tvk {
 
 struct RenameRequest {
-    std::string list;  // "flbDocs" or "flbUSB"; anything else does nothing
+    ListControl list = ListControl::None;  // flbDocs or flbUSB; anything else does nothing
     std::filesystem::path folder;
     std::string fileName;
 };

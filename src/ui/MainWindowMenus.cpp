@@ -182,14 +182,14 @@ void MainWindow::connectFileCommands() {
     // The list last worked in, with its folder and selected-file table.
     auto selection = [this] {
         ListSelection s = activeSelection(session_.state);
-        if (s.list == kFlbDocs || s.list == kFlbUSB) {
-            const auto* list = s.list == kFlbUSB ? flbUSB_ : flbDocs_;
+        if (isFileList(s.list)) {
+            const auto* list = s.list == ListControl::flbUSB ? flbUSB_ : flbDocs_;
             s.folder = list->folder();
             // The table holds 1,500 names; beyond that the click already said so.
             if (auto names = list->selectedNames();
                 names.size() <= static_cast<std::size_t>(kMaxSelected))
                 s.names = std::move(names);
-        } else if (s.list == kDirDocs) {
+        } else if (s.list == ListControl::dirDocs) {
             s.folder = dirDocs_->currentFolder();
         }
         return s;
@@ -213,12 +213,14 @@ void MainWindow::connectFileCommands() {
         if (mnuEditNewFldr_Click(ctx, dirDocs_->currentFolder())) dirDocs_->refresh();
     });
     on("mnuFileConvert", [this, docsEntries](Context& ctx) {
-        mnuFileConvert_Click(ctx, {kFlbDocs, flbDocs_->folder(), docsEntries()});
+        mnuFileConvert_Click(ctx, {ListControl::flbDocs, flbDocs_->folder(), docsEntries()});
     });
     on("mnuFilePrint", [docsEntries](Context& ctx) { mnuFilePrint_Click(ctx, docsEntries()); });
 
     auto* menu = new ContextMenu(
-        actions_, [this](const QString& list) { session_.state.activeList = us(list); }, this);
+        actions_,
+        [this](const QString& list) { session_.state.activeList = listControlFromName(us(list)); },
+        this);
     for (QWidget* control : std::initializer_list<QWidget*>{flbDocs_, flbUSB_, dirDocs_}) {
         control->setContextMenuPolicy(Qt::CustomContextMenu);
         connect(control, &QWidget::customContextMenuRequested, this,

@@ -52,7 +52,7 @@ TEST_F(FileCommandsWindow, ContextMenuForwardsToTheMainCommands) {
     ASSERT_EQ(system->recycled.size(), 1u);
     EXPECT_EQ(fileNameUtf8(system->recycled.front()), "SUPSET07.LPG");
     EXPECT_TRUE(ui.done());
-    EXPECT_EQ(window->session().state.activeList, "flbUSB");
+    EXPECT_EQ(window->session().state.activeList, ListControl::flbUSB);
 }
 
 TEST_F(FileCommandsWindow, ConvertAndPrintWorkOnTheLibraryList) {
