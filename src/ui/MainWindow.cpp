@@ -8,6 +8,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QStatusBar>
 #include <QStorageInfo>
 #include <QTimer>
 
@@ -59,6 +60,7 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     interaction_.attach(statusPanels_, pbarMain_, &session_.settings);
     buildMenus();
     player_ = new MediaPlayer(this);
+    statusBar()->addPermanentWidget(player_);
     player_->status = [this](const QString& text) {
         ui().setStatus(StatusPanel::Progress, us(text));
     };
