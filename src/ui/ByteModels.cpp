@@ -18,69 +18,58 @@ QString hexByte(unsigned char b) {
     return QString("%1").arg(b, 2, 16, QChar('0')).toUpper();
 }
 
-QVariant header(int section, Qt::Orientation orientation, int role,
-                std::initializer_list<const char*> titles) {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
-        section >= static_cast<int>(titles.size()))
-        return {};
-    return QString(titles.begin()[section]);
-}
-
 }  // namespace
 
-HexRowsModel::HexRowsModel(QByteArray bytes, QObject* parent)
-    : QAbstractTableModel(parent), bytes_(std::move(bytes)) {}
+ByteTableModel::ByteTableModel(QByteArray bytes, Layout layout, QObject* parent)
+    : QAbstractTableModel(parent),
+      bytes_(std::move(bytes)),
+      layout_(layout),
+      headers_(layout == Layout::HexRows
+                   ? QStringList{"Position", "Hexadecimal", "Text"}
+                   : QStringList{"Byte Position", "Hex", "Decimal", "Character"}) {}
 
-int HexRowsModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0
-                            : static_cast<int>((bytes_.size() + kBytesPerRow - 1) / kBytesPerRow);
+int ByteTableModel::rowCount(const QModelIndex& parent) const {
+    if (parent.isValid()) return 0;
+    return static_cast<int>(layout_ == Layout::HexRows
+                                ? (bytes_.size() + kBytesPerHexRow - 1) / kBytesPerHexRow
+                                : bytes_.size());
 }
 
-int HexRowsModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : 3;
+int ByteTableModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(headers_.size());
 }
 
-QVariant HexRowsModel::data(const QModelIndex& index, int role) const {
+QVariant ByteTableModel::data(const QModelIndex& index, int role) const {
     if (role != Qt::DisplayRole || !index.isValid()) return {};
-    const qsizetype start = static_cast<qsizetype>(index.row()) * kBytesPerRow;
-    const QByteArray row = bytes_.mid(start, kBytesPerRow);
-    switch (index.column()) {
-        case 0:
-            return QString::number(start + 1);
-        case 1: {
-            QStringList hex;
-            for (char b : row) hex << hexByte(static_cast<unsigned char>(b));
-            return hex.join(' ');
-        }
-        default: {
-            QString text;
-            for (char b : row) text += byteCharacter(static_cast<unsigned char>(b));
-            return text;
-        }
+    return layout_ == Layout::HexRows ? hexRowCell(index.row(), index.column())
+                                      : byteCell(index.row(), index.column());
+}
+
+QVariant ByteTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
+        section >= headers_.size())
+        return {};
+    return headers_[section];
+}
+
+QString ByteTableModel::hexRowCell(int row, int column) const {
+    const qsizetype start = static_cast<qsizetype>(row) * kBytesPerHexRow;
+    const QByteArray bytes = bytes_.mid(start, kBytesPerHexRow);
+    if (column == 0) return QString::number(start + 1);
+    QStringList cells;
+    QString text;
+    for (char b : bytes) {
+        cells << hexByte(static_cast<unsigned char>(b));
+        text += byteCharacter(static_cast<unsigned char>(b));
     }
+    return column == 1 ? cells.join(' ') : text;
 }
 
-QVariant HexRowsModel::headerData(int section, Qt::Orientation o, int role) const {
-    return header(section, o, role, {"Position", "Hexadecimal", "Text"});
-}
-
-BytePositionsModel::BytePositionsModel(QByteArray bytes, QObject* parent)
-    : QAbstractTableModel(parent), bytes_(std::move(bytes)) {}
-
-int BytePositionsModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(bytes_.size());
-}
-
-int BytePositionsModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : 4;
-}
-
-QVariant BytePositionsModel::data(const QModelIndex& index, int role) const {
-    if (role != Qt::DisplayRole || !index.isValid()) return {};
-    const auto b = static_cast<unsigned char>(bytes_[index.row()]);
-    switch (index.column()) {
+QString ByteTableModel::byteCell(int row, int column) const {
+    const auto b = static_cast<unsigned char>(bytes_[row]);
+    switch (column) {
         case 0:
-            return QString::number(index.row() + 1);
+            return QString::number(row + 1);
         case 1:
             return hexByte(b);
         case 2:
@@ -88,10 +77,6 @@ QVariant BytePositionsModel::data(const QModelIndex& index, int role) const {
         default:
             return QString(byteCharacter(b));
     }
-}
-
-QVariant BytePositionsModel::headerData(int section, Qt::Orientation o, int role) const {
-    return header(section, o, role, {"Byte Position", "Hex", "Decimal", "Character"});
 }
 
 }  // namespace tvk::ui

@@ -159,11 +159,12 @@ FileViewer::FileViewer(const std::filesystem::path& file, int recordLength, QWid
     text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
     tabs_->addTab(text, "Text");
-    auto* hex = byteTable(new HexRowsModel(bytes, this), tabs_);
+    auto* hex = byteTable(new ByteTableModel(bytes, ByteTableModel::Layout::HexRows, this), tabs_);
     hex->setObjectName("tblHex");
     hex->setColumnWidth(1, hex->fontMetrics().horizontalAdvance(QString(3 * 16, 'F')) + 12);
     tabs_->addTab(hex, "Hexadecimal");
-    auto* positions = byteTable(new BytePositionsModel(bytes, this), tabs_);
+    auto* positions =
+        byteTable(new ByteTableModel(bytes, ByteTableModel::Layout::BytePositions, this), tabs_);
     positions->setObjectName("tblBytePositions");
     tabs_->addTab(positions, "Byte Position");
     layout->addWidget(tabs_, 1);
