@@ -11,7 +11,7 @@
 #include "app/Text.h"
 #include "organfiles/Cp1252.h"
 #include "organfiles/OrganFile.h"
-#include "organfiles/Registrations.h"
+#include "organfiles/PresetNames.h"
 
 namespace tvk {
 
@@ -40,7 +40,7 @@ void putField(std::string& file, std::int32_t position, const std::string& bytes
 
 // Every button code a family's files hold a record for.
 std::vector<std::string> buttonCodes(Series family) {
-    std::vector<std::string> codes = registrationButtons(family);
+    std::vector<std::string> codes = presetButtonCodes(family);
     if (family == Series::SU) codes.insert(codes.begin(), "A0");  // one record before A1
     return codes;
 }

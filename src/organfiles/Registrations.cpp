@@ -3,19 +3,12 @@
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "organfiles/OrganFile.h"
+#include "organfiles/PresetNames.h"
 
 namespace tvk {
 
 int buttonsPerBank(Series family) {
     return family == Series::SU ? 10 : 11;
-}
-
-std::vector<std::string> registrationButtons(Series family) {
-    std::vector<std::string> codes;
-    const int first = family == Series::SU ? 1 : 0;
-    for (char bank = 'A'; bank <= 'E'; ++bank)
-        for (int n = first; n <= 10; ++n) codes.push_back(std::string(1, bank) + std::to_string(n));
-    return codes;
 }
 
 namespace {
@@ -49,7 +42,7 @@ OrganFileSummary summarizeOrganFile(std::string_view fileName, std::string_view 
     s.family = seriesOf(fileName);
     if (!s.family) s.family = familyFromVersion(s.version);
     if (!s.family || (s.kind != FileKind::Preset && s.kind != FileKind::Recording)) return s;
-    for (const auto& button : registrationButtons(*s.family)) {
+    for (const auto& button : presetButtonCodes(*s.family)) {
         Registration r;
         r.button = button;
         r.position = calcAddress(*s.family, s.kind, button);

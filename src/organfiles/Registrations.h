@@ -12,8 +12,7 @@
 
 namespace tvk {
 
-// The buttons a family's panel has, bank A to E: 1-10 for SU (50), 0-10 for A and E (55).
-std::vector<std::string> registrationButtons(Series family);
+// Buttons a bank: 1-10 for SU, 0-10 for A and E (presetButtonCodes lists them all).
 int buttonsPerBank(Series family);
 
 struct Registration {
