@@ -21,6 +21,7 @@
 #include "ui/Colors.h"
 #include "ui/DeviceWatch.h"
 #include "ui/FolderTree.h"
+#include "ui/MainWindowGuide.h"
 #include "ui/MediaPlayer.h"
 #include "ui/QtText.h"
 #include "ui/UpdateCheck.h"
@@ -81,6 +82,7 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     connect(devices_, &DeviceWatch::notice, this,
             [this](const DeviceNotice& n) { runner_->whenIdle([this, n] { scanForDrives(n); }); });
     connectSignals();
+    guideMainWindow(*this);
     resize(1180, 760);
     applyEnabled();
 }

@@ -266,7 +266,9 @@ TEST_F(MainWindowTest, ClosingDuringACommandAsksAndWaits) {
         window->command([&] {
             EXPECT_FALSE(window->close());
             // After Yes a second close waits too, without asking again.
-            if (answer == Answer::Yes) EXPECT_FALSE(window->close());
+            if (answer == Answer::Yes) {
+                EXPECT_FALSE(window->close());
+            }
         });
         EXPECT_EQ(ui.shown.back().text, asked);
         QApplication::processEvents();
