@@ -19,7 +19,7 @@ fi
 scripts/deps.sh
 build=${TVK_BUILD_DIR:-build}
 if [ ! -x "$build/src/ui/tavrin-file-manager" ]; then
-    echo "First build of the window: about 6 minutes on two cores; later runs rebuild only what changed."
+    echo "First build of the window: some minutes (about half of a full build with the tests); later runs rebuild only what changed."
 fi
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" --target tavrin-file-manager tvk tvk_manual
