@@ -114,7 +114,9 @@ TEST_F(Mp3Info, AgreesWithFfprobe) {
         EXPECT_EQ(m.Frequency(), std::stol(p["sample_rate"]));
         EXPECT_EQ(m.Frequency(), f.frequency);
         EXPECT_EQ(m.ChannelMode() == "Single Channel", p["channels"] == "1");
-        if (*f.channelMode) EXPECT_EQ(m.ChannelMode(), f.channelMode);
+        if (*f.channelMode) {
+            EXPECT_EQ(m.ChannelMode(), f.channelMode);
+        }
         EXPECT_NEAR(m.SongLength(), std::stod(p["duration"]), 1.0);
         EXPECT_EQ(m.isVBR(), f.vbr);
         const auto size = std::filesystem::file_size(file);
@@ -124,8 +126,12 @@ TEST_F(Mp3Info, AgreesWithFfprobe) {
         EXPECT_GE(m.HeaderOffset(), tagEnd);
         EXPECT_LT(m.HeaderOffset(), tagEnd + 1024);
         EXPECT_EQ(bytes.substr(m.HeaderOffset(), 1), "\xFF");
-        if (std::string(f.name) == "tagged") EXPECT_GT(m.HeaderOffset(), 60000u);
-        if (!f.vbr) EXPECT_GT(m.BitRate(), 0);
+        if (std::string(f.name) == "tagged") {
+            EXPECT_GT(m.HeaderOffset(), 60000u);
+        }
+        if (!f.vbr) {
+            EXPECT_GT(m.BitRate(), 0);
+        }
 
         // The in-memory reader finds the same frame; its whole-number divisions may
         // differ by a rounding.

@@ -102,9 +102,13 @@ TEST(OrganLayout, ReadsVersionAndNameFromOddFiles) {
             return 0;
         };
         EXPECT_EQ(errorOf(readFileVersion), c.versionError);
-        if (!c.versionError) EXPECT_EQ(readFileVersion(file), c.version);
+        if (!c.versionError) {
+            EXPECT_EQ(readFileVersion(file), c.version);
+        }
         EXPECT_EQ(errorOf(readPresetName), c.nameError);
-        if (!c.nameError) EXPECT_EQ(readPresetName(file), c.name);
+        if (!c.nameError) {
+            EXPECT_EQ(readPresetName(file), c.name);
+        }
     }
     EXPECT_EQ(
         readPresetName(tree.write("long.SPG", header() + padded("N") + std::string(40000, 'x'))),

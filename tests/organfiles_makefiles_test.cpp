@@ -81,8 +81,9 @@ TEST_F(OrganMakeFiles, FilesReadBackWithRecordsAtEveryButton) {
                 last = std::max(last, pos);
             }
         }
-        if (family == Series::SU)
+        if (family == Series::SU) {
             EXPECT_NE(trim(fieldAt(bytes, calcAddress(family, info.kind, "A0"))), "");
+        }
         EXPECT_EQ(bytes.size(), static_cast<std::size_t>(last - 1 + recordLength(family)));
     }
 }

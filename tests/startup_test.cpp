@@ -62,9 +62,15 @@ TEST_P(StartupRefusals, ShowTheirBoxAndStop) {
     Context ctx = t.ctx();
     EXPECT_EQ(FormLoad(ctx), c.outcome);
     EXPECT_TRUE(t.ui.done());
-    if (c.text) EXPECT_EQ(t.ui.shown.at(0).text, c.text);
-    if (c.style) EXPECT_EQ(t.ui.shown.at(0).style(), c.style);
-    if (c.traceLine) EXPECT_NE(t.traceText().find(c.traceLine), std::string::npos);
+    if (c.text) {
+        EXPECT_EQ(t.ui.shown.at(0).text, c.text);
+    }
+    if (c.style) {
+        EXPECT_EQ(t.ui.shown.at(0).style(), c.style);
+    }
+    if (c.traceLine) {
+        EXPECT_NE(t.traceText().find(c.traceLine), std::string::npos);
+    }
     EXPECT_FALSE(std::filesystem::exists(t.fake->documents / kProductName / "TVK.ini"))
         << "nothing created";
     EXPECT_FALSE(std::filesystem::exists(t.paths.downloaded()));

@@ -122,7 +122,9 @@ TEST_P(ErrorHandlerAnswers, DecideWhatTheRoutineDoesNext) {
     EXPECT_EQ(reachedEnd, c.reachedEnd);
     EXPECT_EQ(programEnded, c.programEnded);
     EXPECT_EQ(t.trace.depth(), 0);
-    if (c.debug) EXPECT_NE(t.traceText().find(c.verdictLine), std::string::npos) << t.traceText();
+    if (c.debug) {
+        EXPECT_NE(t.traceText().find(c.verdictLine), std::string::npos) << t.traceText();
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(

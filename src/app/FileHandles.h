@@ -2,6 +2,7 @@
 // The operating system's file handles under the file-I/O layer (FileIO.h), one
 // implementation per platform. Every failure throws RuntimeError with the classic number.
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -46,5 +47,8 @@ class OutputFile {
 void renameReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
 // Fails with 58 when `to` exists.
 void renameExclusive(const std::filesystem::path& from, const std::filesystem::path& to);
+// Sets access and modification time (some FUSE drivers ignore a change of one alone).
+// False when the file system refused.
+bool setFileTimes(const std::filesystem::path& file, std::chrono::system_clock::time_point t);
 
 }  // namespace tvk::detail

@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "app/FileHandles.h"
+#include "app/FileTimes.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 
@@ -96,7 +97,13 @@ void OutputFile::flushToDisk() {
 void OutputFile::copyTimesFrom(const InputFile& source) {
     struct stat st {};
     if (::fstat(static_cast<int>(source.handle_), &st) != 0) return;
-    const struct timespec times[2] = {st.st_atim, st.st_mtim};
+    struct timespec times[2] = {st.st_atim, st.st_mtim};
+    if (monthOneTooHigh(source.path_)) {
+        // Keep the date the source's entry holds, not the one its driver reports.
+        const FileTime entry =
+            entryTime(source.path_, std::chrono::system_clock::from_time_t(st.st_mtim.tv_sec));
+        times[1].tv_sec = std::chrono::system_clock::to_time_t(entry);
+    }
     // Not every file system keeps times; the copy is good without them.
     ::futimens(static_cast<int>(handle_), times);
 }
@@ -121,6 +128,16 @@ void renameExclusive(const std::filesystem::path& from, const std::filesystem::p
     struct stat st {};
     if (::lstat(to.c_str(), &st) == 0) fail(EEXIST, to);
     renameReplacing(from, to);
+}
+
+bool setFileTimes(const std::filesystem::path& file, std::chrono::system_clock::time_point t) {
+    using namespace std::chrono;
+    const auto since = t.time_since_epoch();
+    struct timespec at {};
+    at.tv_sec = duration_cast<seconds>(since).count();
+    at.tv_nsec = static_cast<long>(duration_cast<nanoseconds>(since - seconds(at.tv_sec)).count());
+    const struct timespec times[2] = {at, at};
+    return ::utimensat(AT_FDCWD, file.c_str(), times, 0) == 0;
 }
 
 }  // namespace tvk::detail

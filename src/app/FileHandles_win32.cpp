@@ -96,4 +96,10 @@ void renameExclusive(const std::filesystem::path& from, const std::filesystem::p
     if (!MoveFileExW(from.c_str(), to.c_str(), 0)) fail(GetLastError(), to);
 }
 
+bool setFileTimes(const std::filesystem::path& file, std::chrono::system_clock::time_point t) {
+    std::error_code ec;
+    std::filesystem::last_write_time(file, std::chrono::file_clock::from_sys(t), ec);
+    return !ec;
+}
+
 }  // namespace tvk::detail

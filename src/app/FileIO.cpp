@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/FileHandles.h"
+#include "app/FileTimes.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 
@@ -79,6 +80,17 @@ std::string readFileHead(const std::filesystem::path& file, std::size_t count) {
     return bytes;
 }
 
+namespace {
+
+// A driver that keeps months one off (FileTimes.h) stamps a file with the time of its
+// last write when it closes it, so the entry gets its date once the file is in place.
+void settleEntryTime(const std::filesystem::path& file, FileTime wanted) {
+    if (!monthOneTooHigh(file)) return;
+    detail::setFileTimes(file, timeToStore(file, wanted));
+}
+
+}  // namespace
+
 void writeFileReplacing(const std::filesystem::path& file, std::string_view bytes) {
     throughTemporary(
         file,
@@ -87,6 +99,7 @@ void writeFileReplacing(const std::filesystem::path& file, std::string_view byte
             out.flushToDisk();
         },
         [&](const std::filesystem::path& temp) { detail::renameReplacing(temp, file); });
+    settleEntryTime(file, std::chrono::system_clock::now());
 }
 
 void writeNewFile(const std::filesystem::path& file, std::string_view bytes) {
@@ -100,6 +113,7 @@ void writeNewFile(const std::filesystem::path& file, std::string_view bytes) {
             out.flushToDisk();
         },
         [&](const std::filesystem::path& temp) { detail::renameExclusive(temp, file); });
+    settleEntryTime(file, std::chrono::system_clock::now());
 }
 
 void copyFileSafely(const std::filesystem::path& source, const std::filesystem::path& destination,
@@ -109,6 +123,7 @@ void copyFileSafely(const std::filesystem::path& source, const std::filesystem::
     if (std::filesystem::exists(std::filesystem::symlink_status(destination, ec)))
         throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(destination));
     const std::uintmax_t total = in.size();
+    const FileTime written = modificationTime(source);
     throughTemporary(
         destination,
         [&](detail::OutputFile& out) {
@@ -125,6 +140,7 @@ void copyFileSafely(const std::filesystem::path& source, const std::filesystem::
             out.copyTimesFrom(in);
         },
         [&](const std::filesystem::path& temp) { detail::renameExclusive(temp, destination); });
+    settleEntryTime(destination, written);
 }
 
 void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to) {

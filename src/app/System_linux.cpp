@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -46,7 +47,9 @@ pid_t spawnShell(const std::string& commandLine) {
     return pid;
 }
 
-// Starts a program detached from us: a grandchild that init reaps.
+// Starts a program without waiting for it. A short wait tells an immediate failure; a
+// program still running after it is waited for by a thread of its own, so it never
+// lingers as a zombie after it ends.
 bool spawnDetached(const std::vector<std::string>& args) {
     std::vector<char*> argv;
     std::vector<std::string> copy = args;
@@ -61,13 +64,17 @@ bool spawnDetached(const std::vector<std::string>& args) {
     const int rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (rc != 0) return false;
-    // Reap it later without blocking the window: a short wait tells an immediate failure.
     for (int i = 0; i < 20; ++i) {
         int status = 0;
         const pid_t done = waitpid(pid, &status, WNOHANG);
         if (done == pid) return WIFEXITED(status) && WEXITSTATUS(status) == 0;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
+    std::thread([pid] {
+        int status = 0;
+        while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+        }
+    }).detach();
     return true;
 }
 

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <thread>
 
+#include "app/FileTimes.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "drive/MountInfo.h"
@@ -171,6 +172,7 @@ std::string ImageDrives::mount(ImageDrive& d) {
         return command[0] + " could not mount it: " + trimWhitespace(r.output);
     }
     d.mounted = true;
+    if (probe->fatBits != 0) markMonthOneTooHigh(d.mountDir);
     return {};
 }
 
@@ -179,6 +181,7 @@ std::string ImageDrives::unmount(ImageDrive& d) {
     const std::string problem = unmountDir(d.mountDir);
     if (!problem.empty()) return problem;
     d.mounted = false;
+    forgetMonthOneTooHigh(d.mountDir);
     waitUntilReleased(d.image);
     detachLoop(d.loopDevice);
     d.loopDevice.clear();

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/Clock.h"
+#include "app/FileTimes.h"
 #include "app/Routine.h"
 #include "app/Text.h"
 #include "mp3/cMP3Info.h"
@@ -16,10 +17,7 @@ namespace tvk {
 namespace {
 
 std::string modifiedText(const std::filesystem::path& file) {
-    using namespace std::chrono;
-    const auto written = std::filesystem::last_write_time(file);
-    const auto system = time_point_cast<system_clock::duration>(file_clock::to_sys(written));
-    return usDateTime(localTime(system_clock::to_time_t(system)));
+    return usDateTime(localTime(std::chrono::system_clock::to_time_t(modificationTime(file))));
 }
 
 constexpr const char* kNoHeader = "unknown (no TAVRN header)";

@@ -11,6 +11,7 @@
 #include "app/Text.h"
 #include "organfiles/Cp1252.h"
 #include "organfiles/OrganFile.h"
+#include "organfiles/PresetNames.h"
 
 namespace tvk {
 
@@ -39,11 +40,8 @@ void putField(std::string& file, std::int32_t position, const std::string& bytes
 
 // Every button code a family's files hold a record for.
 std::vector<std::string> buttonCodes(Series family) {
-    std::vector<std::string> codes;
-    if (family == Series::SU) codes.push_back("A0");  // one record before A1
-    for (char bank = 'A'; bank <= 'E'; ++bank)
-        for (int n = family == Series::SU ? 1 : 0; n <= 10; ++n)
-            codes.push_back(std::string(1, bank) + std::to_string(n));
+    std::vector<std::string> codes = presetButtonCodes(family);
+    if (family == Series::SU) codes.insert(codes.begin(), "A0");  // one record before A1
     return codes;
 }
 

@@ -1,13 +1,12 @@
 #pragma once
-// frmFileViewer: one file as text, as hexadecimal and byte by byte (positions from 1),
-// with the record length of the organ family it belongs to.
+// frmFileViewer: one file as the organ shows it (presets and recordings), as text, as
+// hexadecimal and byte by byte (positions from 1), with the record length of the organ
+// family it belongs to. Close or Escape closes it.
 
 #include <QDialog>
 #include <filesystem>
 
 class QTabWidget;
-class QPlainTextEdit;
-class QTableWidget;
 
 namespace tvk::ui {
 
@@ -20,18 +19,16 @@ class FileViewer : public QDialog {
     bool loaded() const { return loaded_; }
     const QString& problem() const { return problem_; }
 
-    // Shows at most this much; organ files are a few hundred bytes.
-    static constexpr qsizetype kMaxBytes = 256 * 1024;
+    // Shows at most this much; organ files are a few hundred kilobytes at most.
+    static constexpr qsizetype kMaxBytes = 16 * 1024 * 1024;
 
+    // A text file as it reads; in any other file the runs of text, one a line after
+    // their byte position.
     static QString textView(const QByteArray& bytes);
-    static QString hexView(const QByteArray& bytes);
 
   private:
-    void fillPositions(const QByteArray& bytes);
+    QWidget* organTab(const std::filesystem::path& file, const QByteArray& bytes);
     QTabWidget* tabs_ = nullptr;
-    QPlainTextEdit* text_ = nullptr;
-    QPlainTextEdit* hex_ = nullptr;
-    QTableWidget* positions_ = nullptr;
     bool loaded_ = false;
     QString problem_;
 };

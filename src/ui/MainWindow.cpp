@@ -8,6 +8,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QStatusBar>
 #include <QStorageInfo>
 #include <QTimer>
 
@@ -20,6 +21,7 @@
 #include "ui/Colors.h"
 #include "ui/DeviceWatch.h"
 #include "ui/FolderTree.h"
+#include "ui/MainWindowGuide.h"
 #include "ui/MediaPlayer.h"
 #include "ui/QtText.h"
 #include "ui/UpdateCheck.h"
@@ -59,6 +61,7 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     interaction_.attach(statusPanels_, pbarMain_, &session_.settings);
     buildMenus();
     player_ = new MediaPlayer(this);
+    statusBar()->addPermanentWidget(player_);
     player_->status = [this](const QString& text) {
         ui().setStatus(StatusPanel::Progress, us(text));
     };
@@ -79,6 +82,7 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     connect(devices_, &DeviceWatch::notice, this,
             [this](const DeviceNotice& n) { runner_->whenIdle([this, n] { scanForDrives(n); }); });
     connectSignals();
+    guideMainWindow(*this);
     resize(1180, 760);
     applyEnabled();
 }

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
+#include <functional>
 
 #include "app/Paths.h"
 #include "app/Version.h"
@@ -105,6 +107,14 @@ struct WindowFixture : ::testing::Test {
         return out;
     }
     void clickButton(const char* name) { find<QPushButton>(name)->click(); }
+    // Lets events run until `done` holds or eight seconds have passed; returns `done()`.
+    static bool waitUntil(const std::function<bool()>& done) {
+        QElapsedTimer t;
+        t.start();
+        while (!done() && t.elapsed() < 8000)
+            QApplication::processEvents(QEventLoop::AllEvents, 50);
+        return done();
+    }
 };
 
 }  // namespace tvk::test

@@ -7,6 +7,7 @@
 #include <QTreeWidget>
 
 #include <QDialog>
+#include <QTableView>
 #include <QTableWidget>
 #include "library/Selection.h"
 
@@ -265,7 +266,9 @@ TEST_F(MainWindowTest, ClosingDuringACommandAsksAndWaits) {
         window->command([&] {
             EXPECT_FALSE(window->close());
             // After Yes a second close waits too, without asking again.
-            if (answer == Answer::Yes) EXPECT_FALSE(window->close());
+            if (answer == Answer::Yes) {
+                EXPECT_FALSE(window->close());
+            }
         });
         EXPECT_EQ(ui.shown.back().text, asked);
         QApplication::processEvents();
@@ -283,11 +286,11 @@ TEST_F(MainWindowTest, DoubleClickOpensTheViewerOrSaysWhatIsWrong) {
     auto* viewer = window->findChild<QDialog*>("frmFileViewer");
     ASSERT_NE(viewer, nullptr);
     EXPECT_EQ(viewer->windowTitle(), "FILE VIEWER - Waltz.APG - Record Length=610");
-    auto* table = viewer->findChild<QTableWidget*>();
+    auto* table = viewer->findChild<QTableView*>("tblBytePositions");
     ASSERT_NE(table, nullptr);
-    EXPECT_EQ(table->rowCount(), 610);
-    EXPECT_EQ(table->item(0, 0)->text(), "1");
-    EXPECT_EQ(table->item(0, 1)->text(), "41");
+    EXPECT_EQ(table->model()->rowCount(), 610);
+    EXPECT_EQ(table->model()->index(0, 0).data().toString(), "1");
+    EXPECT_EQ(table->model()->index(0, 1).data().toString(), "41");
     viewer->close();
 
     window->listDoubleClicked(list("flbDocs"), "Manual.pdf");

@@ -157,7 +157,8 @@ TEST_F(OrganDialogs, KeysMoveBetweenBoxesInBankOrder) {
 
 TEST_F(OrganDialogs, SearchFollowsTheActiveListAndStartsOnEnter) {
     ctx.state.docsFolder = tree.mkdir("docs");
-    ctx.state.drive = {.present = true, .root = tree.mkdir("stick")};
+    ctx.state.drive.present = true;
+    ctx.state.drive.root = tree.mkdir("stick");
     tree.write("stick/TAVRIN/SUPSET01.LPG", test::organFile(Series::SU, FileKind::Preset, "X"));
     for (const ListControl active : {ListControl::flbUSB, ListControl::flbDocs}) {
         ctx.state.activeList = active;

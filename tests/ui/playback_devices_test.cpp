@@ -15,12 +15,7 @@ using PlaybackTest = WindowFixture;
 
 // Pumps events until panel 1 passes `done` or the time is up; returns the last text.
 QString waitForStatus(WindowFixture& f, const std::function<bool(const QString&)>& done) {
-    QElapsedTimer t;
-    t.start();
-    while (t.elapsed() < 8000) {
-        QApplication::processEvents(QEventLoop::AllEvents, 50);
-        if (done(f.statusText(1))) break;
-    }
+    WindowFixture::waitUntil([&] { return done(f.statusText(1)); });
     return f.statusText(1);
 }
 

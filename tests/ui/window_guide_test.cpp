@@ -1,0 +1,150 @@
+// What a new user meets: tooltips, shortcuts, Tab order, visible focus, the minimum size
+// and the drive panel at any width.
+
+#include <QAbstractItemView>
+#include <QAction>
+#include <QComboBox>
+#include <QHelpEvent>
+#include <QLineEdit>
+#include <QTest>
+#include <QToolTip>
+
+#include "ui/ElidedText.h"
+#include "ui/MainWindowGuide.h"
+#include "ui/WindowFixture.h"
+
+namespace tvk::test {
+namespace {
+
+struct GuideTest : WindowFixture {
+    void SetUp() override {
+        WindowFixture::SetUp();
+        window->session().settings.formatChange = true;  // the one-time notice is not the subject
+        window->show();
+        QApplication::setActiveWindow(window.get());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+    QRect inWindow(QWidget* w) const {
+        return QRect(w->mapTo(window.get(), QPoint(0, 0)), w->size());
+    }
+};
+
+TEST_F(GuideTest, TooltipsOfTheButtonsAndBoxesReadAsTheyAlwaysHave) {
+    const std::pair<const char*, const char*> tips[] = {
+        {"dlbDocs",
+         "When \"active\", pressing ESCAPE will return you to the Tavrin File Management folder"},
+        {"txtDocPath", "This displays the currently selected file path"},
+        {"txtUSBPath", "This displays the Thumbdrive Tavrin Folder"},
+        {"btnUSB_Docs_0",
+         "This will copy the THUMBDRIVE's contents to the COMPUTER's corresponding folder, "
+         "removing any files not on the thumbdrive"},
+        {"btnUSB_Docs_1",
+         "This will Copy the COMPUTER's files on to the THUMBDRIVE from the corresponding folder, "
+         "removing any files not on the computer"},
+        {"btnUSB_Docs_2",
+         "This will create a new folder in the TVK Documents and copy ALL of the thumbdrive's "
+         "contents"},
+        {"btnUSB_Docs_3", "This will copy all PRESET files to the Computer's Preset Pool"},
+        {"btnUSB_Docs_4", "This will copy all RECORDING files to the Computer's MUSIC RECORDINGS"},
+        {"btnSort", "This will SORT all Presets and Recordings in Alphabetical order"},
+    };
+    for (const auto& [control, tip] : tips) EXPECT_EQ(find(control)->toolTip(), tip) << control;
+    // Every other button and box says what it does too.
+    for (auto* w : window->findChildren<QWidget*>()) {
+        const bool control = qobject_cast<QAbstractButton*>(w) || qobject_cast<QLineEdit*>(w) ||
+                             qobject_cast<QAbstractItemView*>(w) || qobject_cast<QComboBox*>(w);
+        const QString name = w->objectName();
+        if (control && w->isVisibleTo(window.get()) && !name.isEmpty() && !name.startsWith("qt_")) {
+            EXPECT_FALSE(w->toolTip().isEmpty()) << name.toStdString();
+        }
+    }
+}
+
+TEST_F(GuideTest, ShortcutsTriggerTheirMenuCommandsAndCaptionsKeepTheirMnemonics) {
+    const struct {
+        const char *action, *caption, *keys;
+    } cases[] = {{"mnuEditDelete", "&Delete", "Del"},  {"mnuFileRename", "Re&name", "F2"},
+                 {"mnuEditRefresh", "&Refresh", "F5"}, {"mnuEditCopy", "&Copy", "Ctrl+C"},
+                 {"mnuEditPaste", "&Paste", "Ctrl+V"}, {"mnuEditFind", "&Find", "Ctrl+F"},
+                 {"mnuFileQuit", "&Quit", "Ctrl+Q"}};
+    list("flbDocs")->setFocus();
+    for (const auto& c : cases) {
+        QAction* a = action(c.action);
+        ASSERT_NE(a, nullptr) << c.action;
+        EXPECT_EQ(a->text(), c.caption);
+        EXPECT_EQ(a->shortcut().toString(), c.keys);
+        // Only whether the key reaches the command: what the command does is tested with it.
+        QObject::disconnect(a, &QAction::triggered, nullptr, nullptr);
+        a->setEnabled(true);
+        int triggered = 0;
+        QObject::connect(a, &QAction::triggered, [&] { ++triggered; });
+        QTest::keySequence(window.get(), a->shortcut());
+        EXPECT_EQ(triggered, 1) << c.action;
+    }
+}
+
+TEST_F(GuideTest, TabGoesLeftToRightTopToBottomAndAFocusedListShowsIt) {
+    acceptStick();
+    for (const char* name : ui::tabOrder()) find(name)->setEnabled(true);
+    find(ui::tabOrder().front())->setFocus();
+    QStringList visited{QApplication::focusWidget()->objectName()};
+    for (std::size_t i = 1; i < ui::tabOrder().size(); ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        visited << QApplication::focusWidget()->objectName();
+    }
+    QStringList expected;
+    for (const char* name : ui::tabOrder()) expected << name;
+    EXPECT_EQ(visited, expected);
+
+    for (const char* name : {"flbDocs", "flbUSB", "dirDocs"}) {
+        find("btnButtonBar_0")->setFocus();
+        const QImage before = find(name)->grab().toImage();
+        find(name)->setFocus();
+        EXPECT_NE(find(name)->grab().toImage(), before) << name;
+    }
+}
+
+TEST_F(GuideTest, AtTheMinimumSizeNothingOverlapsAndTheDrivePanelElides) {
+    const QSize smallest = window->minimumSize();
+    EXPECT_LE(smallest.width(), 1024);
+    EXPECT_LE(smallest.height(), 720);
+    window->resize(smallest);
+    QApplication::processEvents();
+    EXPECT_EQ(window->size(), smallest);
+    QList<QWidget*> shown;
+    for (auto* b : window->findChildren<QPushButton*>())
+        if (b->isVisibleTo(window.get())) shown << b;
+    for (const char* name : {"flbDocs", "flbUSB", "dirDocs", "txtDocPath", "txtUSBPath"})
+        shown << find(name);
+    for (int i = 0; i < shown.size(); ++i) {
+        EXPECT_GE(shown[i]->width(), shown[i]->minimumSizeHint().width())
+            << shown[i]->objectName().toStdString();
+        for (int j = i + 1; j < shown.size(); ++j)
+            EXPECT_FALSE(inWindow(shown[i]).intersects(inWindow(shown[j])))
+                << shown[i]->objectName().toStdString() << " "
+                << shown[j]->objectName().toStdString();
+    }
+    for (const char* name : {"flbDocs", "flbUSB", "dirDocs"})
+        EXPECT_GE(find(name)->height(), find(name)->fontMetrics().height() * 5) << name;
+
+    const QString drive =
+        "Volume Name: DEMO STICK  Serial Number:2021ABCD  DevID:/home/organist/"
+        "Documents/a rather long folder name/and another one/demo-stick.img";
+    auto* panel = find<QLabel>("sbarMain_3");
+    panel->setText(drive);
+    EXPECT_EQ(panel->text(), drive);
+    const QString shownText = ui::ElidedText::shown(panel);
+    EXPECT_TRUE(shownText.startsWith("Volume Name: DEMO")) << shownText.toStdString();
+    EXPECT_TRUE(shownText.endsWith("stick.img")) << shownText.toStdString();
+    EXPECT_TRUE(shownText.contains(QChar(0x2026))) << shownText.toStdString();
+    QHelpEvent help(QEvent::ToolTip, QPoint(2, 2), panel->mapToGlobal(QPoint(2, 2)));
+    QApplication::sendEvent(panel, &help);
+    EXPECT_EQ(QToolTip::text(), drive);
+
+    window->resize(2400, 900);
+    QApplication::processEvents();
+    EXPECT_EQ(ui::ElidedText::shown(panel), drive);
+}
+
+}  // namespace
+}  // namespace tvk::test
