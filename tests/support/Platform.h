@@ -11,6 +11,12 @@
 
 namespace tvk::test {
 
+#ifdef _WIN32
+inline constexpr bool kOnWindows = true;
+#else
+inline constexpr bool kOnWindows = false;
+#endif
+
 // A new empty folder under the system's temporary folder, its name starting `prefix`.
 std::filesystem::path makeTempFolder(std::string_view prefix);
 
