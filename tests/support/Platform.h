@@ -45,6 +45,20 @@ ProgramRun runTvk(const std::vector<std::string>& args, const ProgramOptions& op
 // (the Windows registry); on Linux it lives in the home and goes with it.
 void forgetInstallationRecord();
 
+// Keeps a file open without sharing it, as another program may on Windows. Elsewhere
+// files are not locked that way and nothing is held.
+class ExclusiveHold {
+  public:
+    explicit ExclusiveHold(const std::filesystem::path& file);
+    ~ExclusiveHold();
+    ExclusiveHold(const ExclusiveHold&) = delete;
+    ExclusiveHold& operator=(const ExclusiveHold&) = delete;
+    bool held() const { return handle_ != nullptr; }
+
+  private:
+    void* handle_ = nullptr;
+};
+
 // Whether a read-only folder refuses new files here (not for root, not on Windows).
 bool readOnlyFoldersRefuseWrites();
 

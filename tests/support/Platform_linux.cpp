@@ -87,6 +87,9 @@ ProgramRun runProgram(const std::filesystem::path& program, const std::vector<st
 
 void forgetInstallationRecord() {}
 
+ExclusiveHold::ExclusiveHold(const std::filesystem::path&) {}
+ExclusiveHold::~ExclusiveHold() = default;
+
 bool readOnlyFoldersRefuseWrites() {
     return getuid() != 0;
 }

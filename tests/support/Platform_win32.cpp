@@ -145,6 +145,16 @@ void forgetInstallationRecord() {
         RegDeleteKeyExW(HKEY_LOCAL_MACHINE, wide(kUninstallKey).c_str(), view, 0);
 }
 
+ExclusiveHold::ExclusiveHold(const std::filesystem::path& file) {
+    const HANDLE h = CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (h != INVALID_HANDLE_VALUE) handle_ = h;
+}
+
+ExclusiveHold::~ExclusiveHold() {
+    if (handle_) CloseHandle(handle_);
+}
+
 bool readOnlyFoldersRefuseWrites() {
     return false;  // the read-only attribute means nothing on a folder
 }
