@@ -3,30 +3,20 @@
 
 #include <shellapi.h>
 
+#include "app/Text.h"
 #include "cli/Console.h"
 
 namespace tvk::cli {
 
-namespace {
-
-std::string toUtf8(const wchar_t* text) {
-    const int n = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    if (n <= 1) return {};
-    std::string out(static_cast<std::size_t>(n), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text, -1, out.data(), n, nullptr, nullptr);
-    out.resize(static_cast<std::size_t>(n - 1));
-    return out;
-}
-
-}  // namespace
-
-// argv holds the arguments in the ANSI code page, where "Café" may survive but "Ñ" in a
-// Greek or Japanese setting does not; the wide command line holds them as typed.
+// argv holds the arguments in the ANSI code page (Windows-1252 on most users' machines),
+// not UTF-8, and loses what that page cannot show; the wide command line holds them as
+// typed.
 std::vector<std::string> commandLineArguments(int, char**) {
     int count = 0;
     wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::string> args;
-    for (int i = 1; wide && i < count; ++i) args.push_back(toUtf8(wide[i]));
+    for (int i = 1; wide && i < count; ++i)
+        args.push_back(pathToUtf8(std::filesystem::path(wide[i])));
     LocalFree(wide);
     return args;
 }
