@@ -21,7 +21,7 @@ std::string preset(const std::string& cp1252Name) {
            std::string(1500, '\0');
 }
 
-TEST(TvkNames, ArgumentsAndOutputKeepEveryCharacter) {
+TEST(TvkUnicode, ArgumentsAndOutputKeepEveryCharacter) {
     test::TempTree tree;
     const auto inPool = [&](const std::string& name) {
         return pathToUtf8(tree.path(kPool) / pathFromUtf8(name));
