@@ -6,7 +6,7 @@
 # program writes to Documents stays in the prefix.
 set -euo pipefail
 
-prefix=$1
+prefix=$(realpath -m "$1")
 shift
 export WINEPREFIX=$prefix WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
