@@ -59,8 +59,6 @@ class ExclusiveHold {
     void* handle_ = nullptr;
 };
 
-// Whether a read-only folder refuses new files here (not for root, not on Windows).
-bool readOnlyFoldersRefuseWrites();
 
 }  // namespace tvk::test
 

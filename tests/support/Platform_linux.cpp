@@ -90,8 +90,4 @@ void forgetInstallationRecord() {}
 ExclusiveHold::ExclusiveHold(const std::filesystem::path&) {}
 ExclusiveHold::~ExclusiveHold() = default;
 
-bool readOnlyFoldersRefuseWrites() {
-    return getuid() != 0;
-}
-
 }  // namespace tvk::test

@@ -155,8 +155,4 @@ ExclusiveHold::~ExclusiveHold() {
     if (handle_) CloseHandle(handle_);
 }
 
-bool readOnlyFoldersRefuseWrites() {
-    return false;  // the read-only attribute means nothing on a folder
-}
-
 }  // namespace tvk::test
