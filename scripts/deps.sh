@@ -8,7 +8,7 @@ packages=(
     clang libclang-rt-14-dev
     libgtest-dev libbenchmark-dev
     qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev libgl-dev
-    g++-mingw-w64-x86-64-posix
+    g++-mingw-w64-x86-64-posix googletest wine wine64
     dosfstools mtools fusefat fuse3 exfat-fuse exfatprogs fuse2fs e2fsprogs fiu-utils
     libglib2.0-bin
     lame ffmpeg gstreamer1.0-plugins-good

@@ -10,21 +10,20 @@ namespace {
 // command writes it, then a traced start-up builds the library and the log.
 TEST(TvkStartup, TracedStartInAnEmptyHomeBuildsTheLibraryAndTheLog) {
     test::TempTree home;
-    const std::string tvk =
-        "env -i PATH=/usr/bin:/bin HOME='" + pathToUtf8(home.root()) + "' " + TVK_CLI_PATH;
-    std::string out;
+    test::forgetInstallationRecord();
+    const test::ProgramOptions inHome{{}, home.root()};
     // Without the installation record start-up refuses and makes nothing.
-    EXPECT_EQ(test::runCommand(tvk + " startup </dev/null", &out), 1);
-    EXPECT_NE(out.find("[NO REGISTRY ENTRY] Can't get VERSION of Tavrin File Manager."),
+    auto run = test::runTvk({"startup"}, inHome);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_NE(run.output.find("[NO REGISTRY ENTRY] Can't get VERSION of Tavrin File Manager."),
               std::string::npos)
-        << out;
+        << run.output;
     EXPECT_FALSE(home.exists("Documents"));
 
-    ASSERT_EQ(test::runCommand(
-                  tvk + " register --location '" + pathToUtf8(home.mkdir("prog")) + "'", &out),
-              0)
-        << out;
-    ASSERT_EQ(test::runCommand(tvk + " --yes startup +DEBUG </dev/null", &out), 0) << out;
+    run = test::runTvk({"register", "--location", pathToUtf8(home.mkdir("prog"))}, inHome);
+    ASSERT_EQ(run.exitCode, 0) << run.output;
+    run = test::runTvk({"--yes", "startup", "+DEBUG"}, inHome);
+    ASSERT_EQ(run.exitCode, 0) << run.output;
 
     EXPECT_EQ(home.list("Documents/Tavrin File Manager"),
               (std::vector<std::string>{"TVK.ini", "\u00A0Downloaded", "\u00A0Music Recordings",
@@ -38,17 +37,20 @@ TEST(TvkStartup, TracedStartInAnEmptyHomeBuildsTheLibraryAndTheLog) {
                        "all files\r\n"),
               std::string::npos);
     // After the settings write the log's handle is closed: the console shows the error.
-    EXPECT_NE(out.find("[TVK: RUNTIME ERROR] Encountered Err#52"), std::string::npos) << out;
+    EXPECT_NE(run.output.find("[TVK: RUNTIME ERROR] Encountered Err#52"), std::string::npos)
+        << run.output;
 
     // A second, untraced start reads the settings and leaves the log as it was.
-    ASSERT_EQ(test::runCommand(tvk + " startup </dev/null", &out), 0) << out;
+    run = test::runTvk({"startup"}, inHome);
+    ASSERT_EQ(run.exitCode, 0) << run.output;
     EXPECT_EQ(home.read("prog/TVK_ErrorLog.txt"), log);
+    test::forgetInstallationRecord();
 }
 
 TEST(TvkVersion, PrintsTheProgramVersion) {
-    std::string out;
-    ASSERT_EQ(test::runCommand(std::string(TVK_CLI_PATH) + " --version", &out), 0);
-    EXPECT_EQ(out, "2021.0922.1101\n");
+    const auto run = test::runTvk({"--version"});
+    ASSERT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.output, "2021.0922.1101\n");
 }
 
 }  // namespace

@@ -60,6 +60,7 @@ TEST(CommonRoutines, DriveEmptyCountsFilesAndFolders) {
 }
 
 TEST(CommonRoutines, RecycleModeOneGoesToTheTrashAndCanBeRestored) {
+    TVK_LINUX_ONLY("the freedesktop trash");
     TestContext t(makePlatformSystem());
     test::ScopedEnv data("XDG_DATA_HOME", pathToUtf8(t.tree.path("data")));
     Context ctx = t.ctx();
@@ -93,6 +94,7 @@ TEST(CommonRoutines, RecycleOtherModesAskThenDeleteForGood) {
 }
 
 TEST(CommonRoutines, ExecCmdWaitsForTheProgramWhileEventsRun) {
+    TVK_LINUX_ONLY("runs a POSIX shell command");
     TestContext t(makePlatformSystem());
     Context ctx = t.ctx();
     const auto marker = t.tree.path("done");

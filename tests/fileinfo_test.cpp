@@ -103,13 +103,9 @@ TEST_F(FileInfo, PanelLinesByKind) {
 TEST_F(FileInfo, TvkInfoPrintsThePanelLines) {
     const auto preset = make("APSET001.LPG", kHeaderA, 1500);
     const auto other = make("notes.txt", "x", 2500);
-    std::string out;
-    ASSERT_EQ(test::runCommand(std::string("'") + TVK_CLI_PATH + "' info '" + preset.string() +
-                                   "' '" + other.string() + "'",
-                               &out),
-              0)
-        << out;
-    EXPECT_EQ(out,
+    const auto run = test::runTvk({"info", pathToUtf8(preset), pathToUtf8(other)});
+    ASSERT_EQ(run.exitCode, 0) << run.output;
+    EXPECT_EQ(run.output,
               "File Version: 3\nPreset Name: MY PRESET\nModified: 11/21/2026 5:31:11 AM\n"
               "File Size: 1KB\n\nModified: 11/21/2026 5:31:11 AM\nFile Size: 2KB\n");
 }

@@ -189,6 +189,7 @@ TEST_F(OrganAnalyzeContent, MissingFolderGoesToTheErrorHandler) {
 }
 
 TEST_F(OrganAnalyzeContent, CountsOnAFatImage) {
+    TVK_LINUX_ONLY("FUSE image drives");
     if (!test::haveTool("mkfs.fat") || !test::haveTool("fusefat"))
         GTEST_SKIP() << "mkfs.fat or fusefat missing";
     const std::string image = tree.path("stick.img").string();

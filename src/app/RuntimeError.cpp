@@ -96,7 +96,7 @@ int classicNumberForErrno(int err) {
         case ENXIO:
         case ENOTCONN:
         case ECONNABORTED:  // a FUSE driver that died under a request
-#ifdef ENOMEDIUM  // Linux: a card reader with no card, a stale FUSE mount
+#ifdef ENOMEDIUM            // Linux: a card reader with no card, a stale FUSE mount
         case ENOMEDIUM:
         case ESTALE:
 #endif
@@ -193,7 +193,15 @@ RuntimeError RuntimeError::fromCurrentException() {
         return e;
     } catch (const std::filesystem::filesystem_error& e) {
         std::string detail = e.path1().empty() ? e.code().message() : pathToUtf8(e.path1());
-        return fromErrorCode(e.code(), detail);
+        RuntimeError error = fromErrorCode(e.code(), detail);
+        // The C library says "no such file" when a folder on the way is missing, as the
+        // MinGW runtime does for a new folder; Windows itself calls that path not found.
+        std::error_code ec;
+        const auto parent = e.path1().parent_path();
+        if (error.number() == kErrFileNotFound && !parent.empty() &&
+            !std::filesystem::exists(parent, ec))
+            return RuntimeError(kErrPathNotFound, std::move(detail));
+        return error;
     } catch (const std::system_error& e) {
         return fromErrorCode(e.code(), e.what());
     } catch (const std::bad_alloc&) {

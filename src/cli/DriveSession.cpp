@@ -33,8 +33,7 @@ namespace {
 
 bool findFirstDrive(Context& ctx) {
     Volumes& volumes = *ctx.volumes;
-    for (const auto& id : volumes.drives()) {
-        if (volumes.driveType(id) != DriveType::Removable) continue;
+    if (const std::string id = firstRemovableDrive(volumes); !id.empty()) {
         ThumbDriveState& d = ctx.state.drive;
         d.letter = id;
         d.root = volumes.rootPath(id);

@@ -7,6 +7,7 @@
 #include "app/Routine.h"
 #include "app/Version.h"
 #include "cli/CliCommand.h"
+#include "cli/Console.h"
 #include "cli/ConsoleInteraction.h"
 
 namespace {
@@ -26,7 +27,8 @@ void printHelp(std::ostream& out) {
 
 int main(int argc, char** argv) {
     using namespace tvk::cli;
-    std::vector<std::string> args(argv + 1, argv + argc);
+    std::vector<std::string> args = commandLineArguments(argc, argv);
+    useUtf8Console();
     ConsoleInteraction ui(std::cin, std::cout, std::cerr);
     if (takeFlag(args, "--yes")) ui.autoAnswer = AutoAnswer::Yes;
     if (takeFlag(args, "--no")) ui.autoAnswer = AutoAnswer::No;

@@ -42,12 +42,6 @@ void forgetDrive(Context& ctx) {
     ctx.ui.setStatus(StatusPanel::Drive, "");
 }
 
-std::string chooseDrive(Volumes& volumes) {
-    for (const auto& id : volumes.drives())
-        if (volumes.driveType(id) == DriveType::Removable) return id;
-    return {};
-}
-
 bool offerFormat(Context& ctx, const ThumbDriveState& d) {
     const std::string text = "This thumbdrive has the " + kQ + d.fileSystem + kQ + " File System." +
                              kBr + "It should have the " + kQ + "FAT" + kQ + " or " + kQ + "FAT32" +
@@ -179,7 +173,7 @@ ScanOutcome ScanForUSBs(Context& ctx, const DeviceNotice* notice) {
         std::string drive, deviceId;
         if (ctx.volumes) {
             r.step("Look for a removable drive", [&] {
-                drive = notice ? notice->drive : chooseDrive(*ctx.volumes);
+                drive = notice ? notice->drive : firstRemovableDrive(*ctx.volumes);
                 if (!drive.empty())
                     deviceId = notice ? notice->deviceId : ctx.volumes->deviceId(drive);
             });

@@ -17,8 +17,8 @@ enum class ScanOutcome { Refused, Accepted, AutoBackupWanted };
 inline constexpr const char* kNoDrivePattern = "*.nothing";
 inline constexpr int kTransferButtons = 5;  // btnUSB_Docs 0 to 4
 
-// With no notice, tries every drive in order and takes the first removable one; with a
-// notice, takes the drive it names.
+// With no notice, tries every drive in order and takes the first removable one that
+// holds a volume; with a notice, takes the drive it names.
 ScanOutcome ScanForUSBs(Context& ctx, const DeviceNotice* notice = nullptr);
 
 // The device notices. An arrival while another accepted drive is still attached is

@@ -3,6 +3,8 @@
 #include <array>
 #include <cctype>
 
+#include "app/RuntimeError.h"
+
 namespace tvk {
 
 std::string driveTypeStatusName(int code) {
@@ -27,6 +29,20 @@ std::string normaliseDriveText(const std::string& drive) {
     if (drive.size() == 1) return drive + ":\\";
     if (drive.size() == 2 && drive[1] == ':') return drive + "\\";
     return drive;
+}
+
+std::string firstRemovableDrive(Volumes& volumes) {
+    for (const auto& id : volumes.drives()) {
+        if (volumes.driveType(id) != DriveType::Removable) continue;
+        try {
+            volumes.volumeInformation(id);
+        } catch (const RuntimeError& e) {
+            if (e.number() == kErrDiskNotReady) continue;  // a slot with no card in it
+        }
+        // Any other failure is the scan's to report when it reads the drive.
+        return id;
+    }
+    return {};
 }
 
 }  // namespace tvk

@@ -105,6 +105,11 @@ class Volumes {
     void* ownerWindow = nullptr;
 };
 
+// The drive a full scan takes: the first removable drive that holds a volume. An empty
+// card-reader slot is removable too, but its volume query fails as not ready (71), so it
+// is passed over. Empty when no removable drive holds one.
+std::string firstRemovableDrive(Volumes& volumes);
+
 // The letter a volume device notice (device type 2) concerns: bit 0 of the unit mask is
 // "A", bit 25 "Z". Empty when no bit is set.
 std::string GetDrive(std::uint32_t unitMask);

@@ -55,6 +55,7 @@ struct ImageDriveContext {
 // Skips a test that needs FUSE mounts, naming what is missing.
 #define TVK_REQUIRE_FUSE()                                                          \
     do {                                                                            \
+        TVK_LINUX_ONLY("FUSE image drives");                                        \
         const std::string why = ::tvk::test::fuseUnavailableReason();               \
         if (!why.empty()) GTEST_SKIP() << "FUSE image drives unavailable: " << why; \
     } while (0)

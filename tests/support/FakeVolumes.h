@@ -17,7 +17,7 @@ class FakeVolumes : public Volumes {
         DriveType type = DriveType::Removable;
         VolumeInfo info;
         std::filesystem::path root;
-        bool unreadable = false;
+        int volumeError = 0;  // what the volume query fails with: 71 for an empty slot
     };
     std::map<std::string, Letter> letters;
     std::vector<std::pair<std::string, std::string>> labelsSet;
@@ -36,7 +36,8 @@ class FakeVolumes : public Volumes {
     std::filesystem::path rootPath(const std::string& d) override { return letters.at(d).root; }
     VolumeInfo volumeInformation(const std::string& d) override {
         const auto it = letters.find(d);
-        if (it == letters.end() || it->second.unreadable) throw RuntimeError(kErrDiskNotReady, d);
+        if (it == letters.end()) throw RuntimeError(kErrDiskNotReady, d);
+        if (it->second.volumeError) throw RuntimeError(it->second.volumeError, d);
         return it->second.info;
     }
     std::string deviceId(const std::string& d) override {

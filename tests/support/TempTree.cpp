@@ -1,10 +1,6 @@
 #include "support/TempTree.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -14,11 +10,7 @@
 
 namespace tvk::test {
 
-TempTree::TempTree() {
-    std::string templ = (std::filesystem::temp_directory_path() / "tvktest-XXXXXX").string();
-    if (!mkdtemp(templ.data())) throw std::runtime_error("mkdtemp failed");
-    root_ = templ;
-}
+TempTree::TempTree() : root_(makeTempFolder("tvktest-")) {}
 
 TempTree::~TempTree() {
     std::error_code ec;
@@ -48,7 +40,9 @@ std::filesystem::path TempTree::mkdir(std::string_view relative) const {
     return p;
 }
 
-std::string TempTree::read(std::string_view relative) const { return readFile(path(relative)); }
+std::string TempTree::read(std::string_view relative) const {
+    return readFile(path(relative));
+}
 
 bool TempTree::exists(std::string_view relative) const {
     return std::filesystem::exists(path(relative));
@@ -79,31 +73,23 @@ ScopedEnv::ScopedEnv(std::string name, const std::string& value) : name_(std::mo
         had_ = true;
         old_ = v;
     }
-    setenv(name_.c_str(), value.c_str(), 1);
+    setEnv(name_, value);
 }
 
 ScopedEnv::~ScopedEnv() {
     if (had_) {
-        setenv(name_.c_str(), old_.c_str(), 1);
+        setEnv(name_, old_);
     } else {
-        unsetenv(name_.c_str());
+        unsetEnv(name_);
     }
 }
 
-int runCommand(const std::string& command, std::string* output) {
-    std::FILE* p = popen((command + " 2>&1").c_str(), "r");
-    if (!p) return -1;
-    std::array<char, 4096> buf{};
-    std::string out;
-    std::size_t n;
-    while ((n = std::fread(buf.data(), 1, buf.size(), p)) > 0) out.append(buf.data(), n);
-    const int status = pclose(p);
-    if (output) *output = out;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-bool haveTool(const std::string& tool) {
-    return runCommand("command -v " + tool + " >/dev/null") == 0;
+ProgramRun runTvk(const std::vector<std::string>& args, const ProgramOptions& options) {
+    ProgramRun run = runProgram(TVK_CLI_PATH, args, options);
+    // The C runtime writes CR LF for each line end on Windows; the tests compare lines.
+    for (std::size_t at; (at = run.output.find("\r\n")) != std::string::npos;)
+        run.output.erase(at, 1);
+    return run;
 }
 
 }  // namespace tvk::test

@@ -7,10 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "support/Platform.h"
+
 namespace tvk::test {
 
 class TempTree {
-public:
+  public:
     TempTree();
     ~TempTree();
     TempTree(const TempTree&) = delete;
@@ -26,7 +28,7 @@ public:
     // Names (UTF-8) of the entries of a folder, sorted.
     std::vector<std::string> list(std::string_view relative = {}) const;
 
-private:
+  private:
     std::filesystem::path root_;
 };
 
@@ -35,19 +37,20 @@ void writeFile(const std::filesystem::path& file, std::string_view bytes);
 
 // Sets an environment variable for the life of the object, then restores it.
 class ScopedEnv {
-public:
+  public:
     ScopedEnv(std::string name, const std::string& value);
     ~ScopedEnv();
 
-private:
+  private:
     std::string name_;
     bool had_ = false;
     std::string old_;
 };
 
-// Runs a shell command; returns its exit code and fills `output` with stdout+stderr.
+// Runs a POSIX shell command; returns its exit code and fills `output` with
+// stdout+stderr. Windows has no such shell: there it returns -1.
 int runCommand(const std::string& command, std::string* output = nullptr);
-// True when `tool` is on the PATH.
+// True when `tool` is on the PATH (never on Windows).
 bool haveTool(const std::string& tool);
 
 }  // namespace tvk::test
