@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/MainState.h"
 #include "app/Paths.h"
+#include "drive/ThumbDriveState.h"
 
 namespace tvk {
 
