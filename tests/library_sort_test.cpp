@@ -275,7 +275,9 @@ TEST_P(SortInterrupted, IsFinishedOrPutBackAtTheNextScan) {
         EXPECT_THROW(btnSort_Click(stick.ctx(), request), ProgramEnd);
     }
     ASSERT_TRUE(stick.ui().done());
-    if (c.pull) EXPECT_NE(stick.ui().shown.back().text.find("next scan"), std::string::npos);
+    if (c.pull) {
+        EXPECT_NE(stick.ui().shown.back().text.find("next scan"), std::string::npos);
+    }
 
     stick.attach();
     stick.ui().expect("INTERRUPTED SORT", c.recovery).expect("INTERRUPTED SORT");
