@@ -137,30 +137,26 @@ TEST_F(OrganLayoutRoutines, ListsPresetAndRecordingFilesSorted) {
                           "z.AMR", "ASONG001.LMR", "tune.mp3", "APG"})
         tree.write(std::string("TAVRIN/") + f, "x");
     tree.mkdir("TAVRIN/folder.SPG");
-    ctx.state.nameList[300] = "stale";
-    EXPECT_EQ(ReadPresetNames(ctx, tree.path("TAVRIN")), 3);
-    EXPECT_EQ(
-        std::vector<std::string>(ctx.state.nameList.begin() + 1, ctx.state.nameList.begin() + 4),
-        (std::vector<std::string>{"C.spg", "a.APG", "b.EPG"}));  // plain byte order
-    EXPECT_EQ(ctx.state.nameList[300], "");
-    EXPECT_EQ(ReadRecordingsNames(ctx, tree.path("TAVRIN")), 3);
-    EXPECT_EQ(ctx.state.nameList[1], "x.SMR");
-    EXPECT_EQ(ctx.state.nameList[3], "z.AMR");
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(ReadPresetNames(ctx, tree.path("TAVRIN")),
+              (Names{"C.spg", "a.APG", "b.EPG"}));  // plain byte order
+    EXPECT_EQ(ReadRecordingsNames(ctx, tree.path("TAVRIN")), (Names{"x.SMR", "y.EMR", "z.AMR"}));
     EXPECT_TRUE(ui.shown.empty());
 }
 
 TEST_F(OrganLayoutRoutines, MoreThan750FilesIsAnIndexError) {
     for (int i = 0; i < 751; ++i) tree.write("many/P" + std::to_string(1000 + i) + ".EPG", "");
     ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
-    EXPECT_EQ(ReadPresetNames(ctx, tree.path("many")), 750);
+    const auto names = ReadPresetNames(ctx, tree.path("many"));
     ASSERT_TRUE(ui.done());
     EXPECT_NE(ui.shown[0].text.find("Err#9"), std::string::npos);
-    EXPECT_EQ(ctx.state.nameList[1], "P1000.EPG");
-    EXPECT_TRUE(std::is_sorted(ctx.state.nameList.begin() + 1, ctx.state.nameList.end()));
+    ASSERT_EQ(names->size(), 750u);
+    EXPECT_EQ(names->front(), "P1000.EPG");
+    EXPECT_TRUE(std::is_sorted(names->begin(), names->end()));
     tree.write("many/P2000.EPG", "");
     std::filesystem::remove(tree.path("many/P1000.EPG"));
     std::filesystem::remove(tree.path("many/P1001.EPG"));
-    EXPECT_EQ(ReadPresetNames(ctx, tree.path("many")), 750);  // exactly full is fine
+    EXPECT_EQ(ReadPresetNames(ctx, tree.path("many"))->size(), 750u);  // exactly full is fine
 }
 
 // Random bytes and every truncation of a real file: readers answer or throw

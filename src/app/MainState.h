@@ -78,10 +78,6 @@ struct MainState {
     // Set by the window: redraws both lists from docsFolder/pattern/usbPattern. Commands
     // that change the view or the files call it; unset (tests, tvk) it does nothing.
     std::function<void()> refreshLists;
-
-    // The shared list of organ file names that ReadPresetNames / ReadRecordingsNames
-    // fill: entries 1 to 750; entry 0 is the sorts' swap place.
-    std::vector<std::string> nameList = std::vector<std::string>(751);
 };
 
 // "btnUSB_Docs_2": the object name of a member of a control array.

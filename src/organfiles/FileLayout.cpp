@@ -14,27 +14,26 @@ namespace {
 
 using Extensions = std::array<const char*, 3>;
 
-std::optional<int> readNames(Context& ctx, const char* routineName, const char* what,
-                             const Extensions& extensions, const std::filesystem::path& folder) {
+std::optional<std::vector<std::string>> readNames(Context& ctx, const char* routineName,
+                                                  const char* what, const Extensions& extensions,
+                                                  const std::filesystem::path& folder) {
     return routine(ctx, routineName, [&](Routine& r) {
-        auto& list = ctx.state.nameList;
-        int count = 0;
+        std::vector<std::string> list;
         r.step(std::string("List the ") + what + " files of " + pathToUtf8(folder), [&] {
-            list.assign(kNameListEntries + 1, {});
-            count = 0;
+            list.clear();
             const std::vector<std::string> names = listPlainFiles(folder, "*");
             for (const char* ext : extensions) {
                 const std::string pattern = std::string("*.") + ext;
                 for (const auto& name : names) {
                     if (!matchesWildcard(name, pattern)) continue;
-                    if (count == kNameListEntries)
+                    if (list.size() == kNameListEntries)
                         throw RuntimeError(kErrSubscriptOutOfRange, "more than 750 files");
-                    list[++count] = name;
+                    list.push_back(name);
                 }
             }
         });
-        std::sort(list.begin() + 1, list.begin() + 1 + count);
-        return count;
+        std::sort(list.begin(), list.end());
+        return list;
     });
 }
 
@@ -67,11 +66,13 @@ std::int32_t CalcAddress(Context& ctx, std::string_view family, std::string_view
     return position;
 }
 
-std::optional<int> ReadPresetNames(Context& ctx, const std::filesystem::path& folder) {
+std::optional<std::vector<std::string>> ReadPresetNames(Context& ctx,
+                                                        const std::filesystem::path& folder) {
     return readNames(ctx, "frmMain.ReadPresetNames", "preset", {"SPG", "APG", "EPG"}, folder);
 }
 
-std::optional<int> ReadRecordingsNames(Context& ctx, const std::filesystem::path& folder) {
+std::optional<std::vector<std::string>> ReadRecordingsNames(Context& ctx,
+                                                            const std::filesystem::path& folder) {
     return readNames(ctx, "frmMain.ReadRecordingsNames", "recording", {"SMR", "AMR", "EMR"},
                      folder);
 }

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tvk {
 
@@ -24,10 +25,12 @@ std::string GetPresetName(Context& ctx, const std::filesystem::path& file);
 std::int32_t CalcAddress(Context& ctx, std::string_view family, std::string_view kind,
                          std::string_view button);
 
-// Lists the SPG, APG and EPG files (SMR, AMR, EMR) of `folder` into ctx.state.nameList
-// from entry 1, sorted by plain text comparison, and returns the count. More than 750
-// is error 9; Ignore keeps the first 750. nullopt when the user aborted.
-std::optional<int> ReadPresetNames(Context& ctx, const std::filesystem::path& folder);
-std::optional<int> ReadRecordingsNames(Context& ctx, const std::filesystem::path& folder);
+// The SPG, APG and EPG files (SMR, AMR, EMR) of `folder`, sorted by plain text
+// comparison. More than 750 is error 9; Ignore keeps the first 750. nullopt when the
+// user aborted.
+std::optional<std::vector<std::string>> ReadPresetNames(Context& ctx,
+                                                        const std::filesystem::path& folder);
+std::optional<std::vector<std::string>> ReadRecordingsNames(Context& ctx,
+                                                            const std::filesystem::path& folder);
 
 }  // namespace tvk

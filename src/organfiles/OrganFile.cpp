@@ -108,6 +108,22 @@ std::string readFileVersion(const std::filesystem::path& file) {
     return versionFromLine(readFirstLine(file));
 }
 
+std::optional<Series> familyOfFile(const std::filesystem::path& file) {
+    const std::string name = fileNameUtf8(file);
+    if (const auto family = seriesOf(name)) return family;
+    if (!isGenericExtension(extensionOf(name))) return std::nullopt;
+    try {
+        return seriesOfVersion(readFileVersion(file));
+    } catch (const RuntimeError& e) {
+        // An empty file or one without a version in its header is no organ file;
+        // a file that cannot be read is the caller's error.
+        const int n = e.number();
+        if (n == kErrInputPastEndOfFile || n == kErrInvalidProcedureCall || n == kErrTypeMismatch)
+            return std::nullopt;
+        throw;
+    }
+}
+
 std::string readPresetName(const std::filesystem::path& file) {
     return nameFromLine(readFirstLine(file));
 }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,11 @@ std::string versionFromLine(std::string_view line);
 std::string nameFromLine(std::string_view line);
 
 std::string readFileVersion(const std::filesystem::path& file);
+
+// The family of an organ file: from its name, or for a generic LPG or LMR without an
+// organ prefix from the format version inside it. nullopt when neither tells (a photo,
+// a generic file without a readable header). Throws when the file cannot be read.
+std::optional<Series> familyOfFile(const std::filesystem::path& file);
 std::string readPresetName(const std::filesystem::path& file);
 
 // The `width` bytes at a 1-based position of a file's bytes, as UTF-8 and untrimmed;

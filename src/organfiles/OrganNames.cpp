@@ -123,6 +123,13 @@ std::optional<Series> seriesOf(std::string_view name) {
     return std::nullopt;
 }
 
+std::optional<Series> seriesOfVersion(std::string_view version) {
+    if (version == "2") return Series::SU;
+    if (version == "3") return Series::A;
+    if (version == "4") return Series::E;
+    return std::nullopt;
+}
+
 NameType nameType(std::string_view name) {
     NameType type = NameType::OTHER;
     bool matched = false;
@@ -221,6 +228,11 @@ std::string organFileName(Series family, FileKind kind, int number, int digits) 
 
 std::string organFileName(Series family, FileKind kind, int number) {
     return organFileName(family, kind, number, family == Series::SU ? 2 : 3);
+}
+
+std::string sortedOrganFileName(Series family, FileKind kind, int number) {
+    const bool twoDigits = family == Series::SU && kind == FileKind::Preset;
+    return organFileName(family, kind, number, twoDigits ? 2 : 3);
 }
 
 std::string renamedOrganFileName(Series family, FileKind kind, int number) {

@@ -37,6 +37,9 @@ bool isStickOrganExtension(std::string_view upperExtension);
 // from its prefix. nullopt when neither tells (MYSET.LPG, NOTES.TXT).
 std::optional<Series> seriesOf(std::string_view name);
 
+// The family a format version stands for: "2" SU, "3" A, "4" E (GetFileVersion's text).
+std::optional<Series> seriesOfVersion(std::string_view version);
+
 NameType nameType(std::string_view name);
 
 // The runtime's Val: the leading number of a text, blanks skipped, stopping at the first
@@ -58,6 +61,9 @@ std::string organFileName(Series family, FileKind kind, int number);
 std::string renamedOrganFileName(Series family, FileKind kind, int number);
 // The same names with the number given at least `digits` digits.
 std::string organFileName(Series family, FileKind kind, int number, int digits);
+// The names the alphabetical sort gives: two digits for SU presets only, three for every
+// other group, SU recordings included. The organ reads both widths alike.
+std::string sortedOrganFileName(Series family, FileKind kind, int number);
 
 // "SUPSET07 (1).LPG": the copy of a taken name. A name without a three-letter extension
 // gets the counter before its extension, or at its end when it has none.

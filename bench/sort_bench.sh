@@ -1,0 +1,112 @@
+#!/usr/bin/env bash
+# Times `tvk sort` on a fusefat-mounted FAT32 stick image holding 750 presets (250 of each
+# family) and 40 recordings numbered in reverse alphabetical order, so every file takes a
+# new name. Side by side, on an identical image mounted the same way: the floor, two `mv`
+# per file (to a temporary name, then to the final one). The target is at most 1.5 times
+# the floor. `tvk scan` on the same image shows what attaching and detaching the image
+# costs inside the tvk figure.
+#
+#   bench/sort_bench.sh            # builds Release into build-bench-sort, then runs
+#   RUNS=5 bench/sort_bench.sh     # best of 5 instead of 3
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+build=${TVK_BENCH_BUILD:-build-bench-sort}
+runs=${RUNS:-3}
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTVK_BUILD_GUI=OFF \
+    -DTVK_BUILD_TESTS=OFF -DTVK_BUILD_BENCH=OFF >/dev/null
+ninja -C "$build" tvk >/dev/null
+tvk="$PWD/$build/src/tvk"
+
+work=$(mktemp -d)
+mnt="$work/mnt"
+cleanup() {
+    fusermount -u "$mnt" 2>/dev/null || true
+    rm -rf "$work"
+}
+trap cleanup EXIT
+export MTOOLS_SKIP_CHECK=1
+export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config"
+mkdir -p "$HOME" "$mnt"
+
+# One organ file: the family's header, the name field and 16 KB of registrations.
+organ_file() { # file version name
+    {
+        printf '\x5a\xa5\x16\x5f    S\\      TAVRN SEQ Ver%s%-16.16s' "$2" "$3"
+        head -c 16384 /dev/zero
+    } >"$1"
+}
+
+# Number n of a group gets the name that sorts to place count+1-n.
+files="$work/files"
+mkdir -p "$files"
+group() { # prefix digits extension version count
+    local n
+    for ((n = 1; n <= $5; n++)); do
+        organ_file "$files/$(printf "%s%0${2}d.%s" "$1" "$n" "$3")" "$4" \
+            "$(printf 'Registration %03d' $(($5 + 1 - n)))"
+    done
+}
+group SUPSET 2 LPG 2.0 250
+group APSET 3 LPG 3.0 250
+group EPSET 3 EPG 4.0 250
+group SUSONG 2 LMR 2.0 14
+group ASONG 3 LMR 3.0 13
+group ESONG 3 EMR 4.0 13
+
+# Fresh images: one for tvk, one for the floor.
+make_images() {
+    truncate -s 128M "$work/tvk.img"
+    mkfs.fat -F 32 -n "BENCH STICK" -i 2021ABCD "$work/tvk.img" >/dev/null
+    mmd -i "$work/tvk.img" ::TAVRIN
+    mcopy -i "$work/tvk.img" "$files"/* ::TAVRIN/
+    cp --sparse=always "$work/tvk.img" "$work/floor.img"
+}
+
+# The floor: two mv per file, all to temporary names first, then to the final names.
+floor() {
+    fusefat -o rw+ "$work/floor.img" "$mnt" >/dev/null
+    local d="$mnt/TAVRIN" f n
+    for f in "$d"/*; do mv "$f" "$d/.tmp-${f##*/}"; done
+    for f in "$d"/.tmp-*; do
+        f=${f##*/.tmp-}
+        case $f in
+            SUPSET*) n=${f:6:2}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'SUPSET%02d.LPG' $((251 - n)))" ;;
+            APSET*) n=${f:5:3}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'APSET%03d.LPG' $((251 - n)))" ;;
+            EPSET*) n=${f:5:3}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'EPSET%03d.EPG' $((251 - n)))" ;;
+            SUSONG*) n=${f:6:2}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'SUSONG%03d.LMR' $((15 - n)))" ;;
+            ASONG*) n=${f:5:3}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'ASONG%03d.LMR' $((14 - n)))" ;;
+            ESONG*) n=${f:5:3}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'ESONG%03d.EMR' $((14 - n)))" ;;
+        esac
+    done
+    fusermount -u "$mnt"
+}
+
+ms_of() { # command...
+    local start end
+    start=$(date +%s%N)
+    "$@" >/dev/null
+    end=$(date +%s%N)
+    echo $(((end - start) / 1000000))
+}
+
+best_tvk=0 best_floor=0 best_scan=0
+for ((i = 0; i < runs; i++)); do
+    make_images
+    scan=$(ms_of "$tvk" --yes scan --drive-image "$work/tvk.img")
+    t=$(ms_of "$tvk" --yes sort --drive-image "$work/tvk.img")
+    f=$(ms_of floor)
+    # Both sticks must end up the same: every file under its new number.
+    diff <(mdir -b -i "$work/tvk.img" ::TAVRIN | sort) \
+        <(mdir -b -i "$work/floor.img" ::TAVRIN | sort) >/dev/null ||
+        { echo "the sorted stick differs from the floor's" >&2; exit 1; }
+    if ((best_tvk == 0 || t < best_tvk)); then best_tvk=$t; fi
+    if ((best_floor == 0 || f < best_floor)); then best_floor=$f; fi
+    if ((best_scan == 0 || scan < best_scan)); then best_scan=$scan; fi
+done
+
+echo "best of $runs runs, 750 presets + 40 recordings on a fusefat FAT32 image ($(nproc) cores)"
+awk -v t="$best_tvk" -v f="$best_floor" -v s="$best_scan" 'BEGIN {
+    printf "tvk sort %8d ms (of which attaching and detaching, as tvk scan: %d ms)\n", t, s
+    printf "2 x mv   %8d ms (mount and unmount included)\n", f
+    printf "ratio    %8.2f  (target at most 1.50)\n", t / f }'
