@@ -36,6 +36,10 @@ InputFile::InputFile(const std::filesystem::path& file) : path_(file) {
         fail(err, file);
     }
     handle_ = fd;
+    openedTimes_[0] = st.st_atim.tv_sec;
+    openedTimes_[1] = st.st_atim.tv_nsec;
+    openedTimes_[2] = st.st_mtim.tv_sec;
+    openedTimes_[3] = st.st_mtim.tv_nsec;
 }
 
 InputFile::~InputFile() {
@@ -94,9 +98,9 @@ void OutputFile::flushToDisk() {
 }
 
 void OutputFile::copyTimesFrom(const InputFile& source) {
-    struct stat st {};
-    if (::fstat(static_cast<int>(source.handle_), &st) != 0) return;
-    const struct timespec times[2] = {st.st_atim, st.st_mtim};
+    const auto& t = source.openedTimes_;
+    const struct timespec times[2] = {{static_cast<time_t>(t[0]), static_cast<long>(t[1])},
+                                      {static_cast<time_t>(t[2]), static_cast<long>(t[3])}};
     // Not every file system keeps times; the copy is good without them.
     ::futimens(static_cast<int>(handle_), times);
 }
