@@ -145,33 +145,5 @@ TEST_F(SelectionFixture, DropPasteAndCommandLineModes) {
     }
 }
 
-// A drop from the stick and a paste back: both copy, with the names their mode gives.
-TEST_F(SelectionFixture, ADropAndAPasteCopy) {
-    const auto lib = tree.mkdir("lib");
-    const auto stick = tree.mkdir("stick/TAVRIN");
-    RandomSource random(3);
-    tree.write("stick/TAVRIN/SUPSET07.LPG",
-               buildTestFile(Series::SU, FileKind::Preset, "Bells", random));
-    ctx.state.drive.present = true;
-    ctx.state.drive.root = tree.path("stick");
-    ctx.state.docsFolder = lib;
-
-    const auto report = listDragDrop(
-        ctx, {ListControl::flbUSB, ListControl::flbDocs, stick, lib, {"SUPSET07.LPG"}});
-    ASSERT_TRUE(report);
-    EXPECT_EQ(report->copied, (std::vector<CopiedFile>{{"SUPSET07.LPG", "Bells.SPG"}}));
-    EXPECT_EQ(ctx.state.activeList, ListControl::flbDocs);
-
-    ctx.state.selected = {"Bells.SPG"};
-    mnuEditCopy_Click(ctx, ListControl::flbDocs);
-    std::filesystem::remove(stick / "SUPSET07.LPG");
-    const auto pasted = mnuEditPaste_Click(ctx, ListControl::flbUSB);
-    ASSERT_TRUE(pasted);
-    EXPECT_EQ(pasted->copied, (std::vector<CopiedFile>{{"Bells.SPG", "SUPSET01.LPG"}}));
-    // Only the file lists paste; the focus anywhere else does nothing.
-    EXPECT_FALSE(mnuEditPaste_Click(ctx, ListControl::None));
-    EXPECT_TRUE(ui.done());
-}
-
 }  // namespace
 }  // namespace tvk

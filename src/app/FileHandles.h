@@ -24,6 +24,10 @@ class InputFile {
     friend class OutputFile;
     std::filesystem::path path_;
     std::intptr_t handle_;
+    // Access and modification time (seconds, nanoseconds) as the file was opened, where
+    // the platform reads them then: asking again after reading costs a FUSE stick a
+    // whole directory scan.
+    std::int64_t openedTimes_[4] = {};
 };
 
 class OutputFile {

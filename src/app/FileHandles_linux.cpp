@@ -37,6 +37,10 @@ InputFile::InputFile(const std::filesystem::path& file) : path_(file) {
         fail(err, file);
     }
     handle_ = fd;
+    openedTimes_[0] = st.st_atim.tv_sec;
+    openedTimes_[1] = st.st_atim.tv_nsec;
+    openedTimes_[2] = st.st_mtim.tv_sec;
+    openedTimes_[3] = st.st_mtim.tv_nsec;
 }
 
 InputFile::~InputFile() {
@@ -95,13 +99,13 @@ void OutputFile::flushToDisk() {
 }
 
 void OutputFile::copyTimesFrom(const InputFile& source) {
-    struct stat st {};
-    if (::fstat(static_cast<int>(source.handle_), &st) != 0) return;
-    struct timespec times[2] = {st.st_atim, st.st_mtim};
+    const auto& t = source.openedTimes_;
+    struct timespec times[2] = {{static_cast<time_t>(t[0]), static_cast<long>(t[1])},
+                                {static_cast<time_t>(t[2]), static_cast<long>(t[3])}};
     if (monthOneTooHigh(source.path_)) {
         // Keep the date the source's entry holds, not the one its driver reports.
-        const FileTime entry =
-            entryTime(source.path_, std::chrono::system_clock::from_time_t(st.st_mtim.tv_sec));
+        const FileTime entry = entryTime(
+            source.path_, std::chrono::system_clock::from_time_t(times[1].tv_sec));
         times[1].tv_sec = std::chrono::system_clock::to_time_t(entry);
     }
     // Not every file system keeps times; the copy is good without them.

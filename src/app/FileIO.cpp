@@ -116,20 +116,26 @@ void writeNewFile(const std::filesystem::path& file, std::string_view bytes) {
     settleEntryTime(file, std::chrono::system_clock::now());
 }
 
-void copyFileSafely(const std::filesystem::path& source, const std::filesystem::path& destination,
-                    const CopyProgress& progress) {
-    detail::InputFile in(source);
+namespace {
+
+// Copies `head` (already read from `in`) and the rest of `in` to `destination`.
+void copyOpened(detail::InputFile& in, const std::filesystem::path& source, std::string_view head,
+                std::uintmax_t total, const std::filesystem::path& destination,
+                const CopyProgress& progress) {
     std::error_code ec;
     if (std::filesystem::exists(std::filesystem::symlink_status(destination, ec)))
         throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(destination));
-    const std::uintmax_t total = in.size();
     const FileTime written = modificationTime(source);
     throughTemporary(
         destination,
         [&](detail::OutputFile& out) {
+            std::uintmax_t done = head.size();
+            if (!head.empty()) {
+                out.write(head.data(), head.size());
+                if (progress) progress(done, total);
+            }
             std::vector<char> buffer(static_cast<std::size_t>(
                 std::min<std::uintmax_t>(std::max<std::uintmax_t>(total, 1), kCopyChunk)));
-            std::uintmax_t done = 0;
             for (;;) {
                 const std::size_t n = in.read(buffer.data(), buffer.size());
                 if (n == 0) break;
@@ -141,6 +147,31 @@ void copyFileSafely(const std::filesystem::path& source, const std::filesystem::
         },
         [&](const std::filesystem::path& temp) { detail::renameExclusive(temp, destination); });
     settleEntryTime(destination, written);
+}
+
+}  // namespace
+
+void copyFileSafely(const std::filesystem::path& source, const std::filesystem::path& destination,
+                    const CopyProgress& progress) {
+    detail::InputFile in(source);
+    copyOpened(in, source, {}, in.size(), destination, progress);
+}
+
+std::string copyFileNamed(const std::filesystem::path& source, const std::filesystem::path& folder,
+                          const NameForContents& nameFor, const CopyProgress& progress) {
+    detail::InputFile in(source);
+    const std::uintmax_t total = in.size();
+    std::string head(static_cast<std::size_t>(std::min<std::uintmax_t>(total, kCopyChunk)), '\0');
+    std::size_t got = 0;
+    while (got < head.size()) {
+        const std::size_t n = in.read(head.data() + got, head.size() - got);
+        if (n == 0) break;
+        got += n;
+    }
+    head.resize(got);
+    std::string name = nameFor(head);
+    copyOpened(in, source, head, total, folder / pathFromUtf8(name), progress);
+    return name;
 }
 
 void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to) {

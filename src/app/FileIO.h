@@ -44,6 +44,13 @@ using CopyProgress = std::function<void(std::uintmax_t done, std::uintmax_t tota
 void copyFileSafely(const std::filesystem::path& source, const std::filesystem::path& destination,
                     const CopyProgress& progress = {});
 
+// As copyFileSafely, for a copy named after its contents: `nameFor` gets the source's
+// first bytes (its first megabyte, or all of a smaller file) and returns the copy's name
+// in `folder`. The source is opened once, which matters on a slow stick. Returns the name.
+using NameForContents = std::function<std::string(std::string_view head)>;
+std::string copyFileNamed(const std::filesystem::path& source, const std::filesystem::path& folder,
+                          const NameForContents& nameFor, const CopyProgress& progress = {});
+
 // Renames within one volume; refuses (58) when `to` exists instead of replacing it. On
 // FAT a name that differs only in case is the same file, so it counts as existing.
 void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to);

@@ -11,11 +11,18 @@ namespace tvk {
 FolderNames::FolderNames(std::filesystem::path folder, bool list) : folder_(std::move(folder)) {
     if (!list) return;
     for (const auto& entry : std::filesystem::directory_iterator(folder_))
-        names_.insert(fileNameUtf8(entry.path()));
+        add(fileNameUtf8(entry.path()));
+    listed_ = true;
+}
+
+void FolderNames::add(const std::string& name) {
+    names_.insert(name);
+    upperNames_.insert(utf8ToUpper(name));
 }
 
 bool FolderNames::taken(const std::string& name) const {
     if (names_.count(name) != 0) return true;
+    if (listed_ && upperNames_.count(utf8ToUpper(name)) == 0) return false;
     std::error_code ec;
     return std::filesystem::exists(
         std::filesystem::symlink_status(folder_ / pathFromUtf8(name), ec));
@@ -74,8 +81,10 @@ std::string stickExtension(Series family, bool song) {
     return song ? ".LMR" : ".LPG";
 }
 
-std::string readableName(Context& ctx, const std::filesystem::path& file) {
-    std::string name = CheckName(ctx, GetPresetName(ctx, file));
+std::string readableName(Context& ctx, const std::filesystem::path& file,
+                         std::optional<std::string_view> head) {
+    std::string name =
+        CheckName(ctx, head ? GetPresetName(ctx, file, *head) : GetPresetName(ctx, file));
     if (trimWhitespace(name).empty()) name = splitExtension(fileNameUtf8(file)).base;
     const bool control = std::any_of(name.begin(), name.end(), [](char c) {
         return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;

@@ -18,19 +18,22 @@ struct Context;
 
 // The names a destination folder holds, read once and kept up to date as a command adds
 // files, so a search past a thousand taken numbers does not ask the disk a thousand
-// times. A name not in the list is still looked up on disk: a folder that ignores case
-// (FAT, Windows) holds "SUPSET01.LPG" when it lists "supset01.lpg".
+// times (on a FUSE stick every question reads the whole folder). Only a name that differs
+// from a listed one in case alone is looked up on disk: a folder that ignores case (FAT,
+// Windows) holds "SUPSET01.LPG" when it lists "supset01.lpg". A name that appeared since
+// the listing is still never replaced: the copy itself refuses it.
 class FolderNames {
   public:
     // Lists the folder unless `list` is false; throws when it cannot be read.
     explicit FolderNames(std::filesystem::path folder, bool list = true);
     bool taken(const std::string& name) const;
-    void add(const std::string& name) { names_.insert(name); }
+    void add(const std::string& name);
     const std::filesystem::path& folder() const { return folder_; }
 
   private:
     std::filesystem::path folder_;
-    std::unordered_set<std::string> names_;
+    bool listed_ = false;
+    std::unordered_set<std::string> names_, upperNames_;
 };
 
 // "Piano.spg" is {"Piano", ".SPG"}: the name before a three-letter extension, and that
@@ -66,7 +69,9 @@ std::string stickExtension(Series family, bool song);
 // The name a preset or recording gets in the library: the name inside it (GetPresetName)
 // made legal by CheckName. A file whose inside name is empty or blank keeps its own name
 // without the extension. A name the file system cannot hold (control characters) is a
-// run-time error 52 for the caller's handler.
-std::string readableName(Context& ctx, const std::filesystem::path& file);
+// run-time error 52 for the caller's handler. `head`, when given, is the file's first
+// bytes, already read.
+std::string readableName(Context& ctx, const std::filesystem::path& file,
+                         std::optional<std::string_view> head = std::nullopt);
 
 }  // namespace tvk

@@ -106,25 +106,33 @@ class CopyRun {
         return answer == Answer::Yes;
     }
 
+    // What a file's copy is called: a name chosen now, or a readable one chosen from the
+    // file's first bytes as the copy reads them.
+    struct Target {
+        enum class Kind { Skip, Named, Readable } kind = Kind::Skip;
+        std::string name;
+        Series family = Series::All;
+        bool song = false;
+    };
+    static Target named(std::string name) { return {Target::Kind::Named, std::move(name)}; }
+    static Target readable(Series family, bool song) {
+        return {Target::Kind::Readable, {}, family, song};
+    }
+
     // The name and the copy are one step, so Retry chooses the name again: a file that
     // came back may read differently, and a name taken meanwhile is passed over. A failure
     // stays in the report when the user goes on without the file or aborts.
     void copyOne(const std::string& name, const NameInfo& info) {
         const auto source = req_.source / pathFromUtf8(name);
         const int counter = counter_, duplicates = report_.duplicates;
-        std::optional<std::string> target;
+        std::optional<std::string> copiedAs;
         bool failed = false;
         const bool done = r_.step("Copy " + quoted(source), [&] {
             counter_ = counter;
             report_.duplicates = duplicates;
             if (std::exchange(failed, false)) report_.failures.pop_back();
             try {
-                target = destinationName(name, info, source);
-                if (!target) return;
-                const auto destination = req_.destination / pathFromUtf8(*target);
-                r_.setTask("Copy " + quoted(source) + " to " + quoted(destination));
-                copyFileSafely(source, destination,
-                               [&](std::uintmax_t, std::uintmax_t) { ctx_.ui.processEvents(); });
+                copiedAs = copyTo(source, targetFor(name, info));
             } catch (const std::exception&) {
                 report_.failures.push_back({name, RuntimeError::fromCurrentException().number()});
                 failed = true;
@@ -132,75 +140,93 @@ class CopyRun {
             }
         });
         if (!done) return;
-        if (!target) {
+        if (!copiedAs) {
             report_.skipped.push_back(name);
             return;
         }
-        names_.add(*target);
-        report_.copied.push_back({name, *target});
+        names_.add(*copiedAs);
+        report_.copied.push_back({name, *copiedAs});
     }
 
-    // nullopt skips the file.
-    std::optional<std::string> destinationName(const std::string& name, const NameInfo& info,
-                                               const std::filesystem::path& source) {
+    std::optional<std::string> copyTo(const std::filesystem::path& source, const Target& target) {
+        const auto letEventsRun = [&](std::uintmax_t, std::uintmax_t) { ctx_.ui.processEvents(); };
+        const auto nameTask = [&](const std::string& to) {
+            r_.setTask("Copy " + quoted(source) + " to " +
+                       quoted(req_.destination / pathFromUtf8(to)));
+        };
+        switch (target.kind) {
+            case Target::Kind::Skip:
+                return std::nullopt;
+            case Target::Kind::Named:
+                nameTask(target.name);
+                copyFileSafely(source, req_.destination / pathFromUtf8(target.name), letEventsRun);
+                return target.name;
+            case Target::Kind::Readable:
+                break;
+        }
+        const auto nameFor = [&](std::string_view head) {
+            const std::string base = readableName(ctx_, source, head);
+            const std::string extension = seriesExtension(target.family, target.song);
+            std::string to = freeSuffixName(names_, base + extension, {base, extension}, counter_,
+                                            report_.duplicates);
+            nameTask(to);
+            return to;
+        };
+        return copyFileNamed(source, req_.destination, nameFor, letEventsRun);
+    }
+
+    Target targetFor(const std::string& name, const NameInfo& info) {
         switch (req_.mode) {
             case CopyMode::Right:
                 return toStick(name, info);
             case CopyMode::Left:
-                return toLibrary(name, info, source);
+                return toLibrary(name, info);
             case CopyMode::Diff:
-                return betweenFolders(name, info, source);
+                return betweenFolders(name, info);
             case CopyMode::FlbDocs:
             case CopyMode::FlbUSB:
                 return duplicate(name, info);
         }
-        return std::nullopt;
+        return {};
     }
 
-    std::string sameName(const std::string& name) {
-        return freeSuffixName(names_, name, splitExtension(name), counter_, report_.duplicates);
+    Target sameName(const std::string& name) {
+        return named(
+            freeSuffixName(names_, name, splitExtension(name), counter_, report_.duplicates));
     }
 
-    std::string readable(const std::filesystem::path& source, Series family, bool song) {
-        const std::string base = readableName(ctx_, source);
-        const std::string extension = seriesExtension(family, song);
-        return freeSuffixName(names_, base + extension, {base, extension}, counter_,
-                              report_.duplicates);
-    }
-
-    std::optional<std::string> toStick(const std::string& name, const NameInfo& info) {
+    Target toStick(const std::string& name, const NameInfo& info) {
         if (info.kind != FileKind::Preset && info.kind != FileKind::Recording)
             return sameName(name);
         const auto family = seriesFromLetter(info.seriesLetter);
-        if (!family) return std::nullopt;
+        if (!family) return {};
         const bool song = info.kind == FileKind::Recording;
-        return freeOrganNumberName(names_, organPrefix(*family, song), counter_,
-                                   organNumberWidth(*family), stickExtension(*family, song));
+        return named(freeOrganNumberName(names_, organPrefix(*family, song), counter_,
+                                         organNumberWidth(*family), stickExtension(*family, song)));
     }
 
-    std::optional<std::string> toLibrary(const std::string& name, const NameInfo& info,
-                                         const std::filesystem::path& source) {
+    Target toLibrary(const std::string& name, const NameInfo& info) {
         const std::string ext = extensionOf(name);
-        if (ext == "EPG" || ext == "EMR") return readable(source, Series::E, ext == "EMR");
+        if (ext == "EPG" || ext == "EMR") return readable(Series::E, ext == "EMR");
         if (!isGenericExtension(ext)) return sameName(name);
         const auto family = seriesFromLetter(info.seriesLetter);
-        if (!family || *family == Series::E) return std::nullopt;
-        return readable(source, *family, ext == "LMR");
+        if (!family || *family == Series::E) return {};
+        return readable(*family, ext == "LMR");
     }
 
-    std::optional<std::string> betweenFolders(const std::string& name, const NameInfo& info,
-                                              const std::filesystem::path& source) {
+    Target betweenFolders(const std::string& name, const NameInfo& info) {
         const bool organFile = info.kind == FileKind::Preset || info.kind == FileKind::Recording;
         const auto family = seriesFromLetter(info.seriesLetter);
         if (!isNumbered(info) || !organFile || !family) return sameName(name);
-        return readable(source, *family, info.type == NameType::SONG);
+        return readable(*family, info.type == NameType::SONG);
     }
 
-    std::optional<std::string> duplicate(const std::string& name, const NameInfo& info) {
+    Target duplicate(const std::string& name, const NameInfo& info) {
         const auto family = seriesFromLetter(info.seriesLetter);
         if (!isNumbered(info) || !family) return sameName(name);
-        return freeOrganNumberName(names_, organPrefix(*family, info.type == NameType::SONG),
-                                   counter_, organNumberWidth(*family), "." + extensionOf(name));
+        return named(freeOrganNumberName(names_, organPrefix(*family, info.type == NameType::SONG),
+                                         counter_, organNumberWidth(*family),
+                                         "." + extensionOf(name)));
     }
 
     void closingSteps() {

@@ -56,6 +56,17 @@ std::string GetPresetName(Context& ctx, const std::filesystem::path& file) {
     return name;
 }
 
+std::string GetPresetName(Context& ctx, const std::filesystem::path& file, std::string_view head) {
+    std::string name;
+    routine(ctx, "frmMain.GetPresetName", [&](Routine& r) {
+        r.step("Read the name of " + pathToUtf8(file), [&] {
+            if (head.empty()) throw RuntimeError(kErrInputPastEndOfFile, pathToUtf8(file));
+            name = nameFromLine(head.substr(0, head.find_first_of("\r\n")));
+        });
+    });
+    return name;
+}
+
 std::int32_t CalcAddress(Context& ctx, std::string_view family, std::string_view kind,
                          std::string_view button) {
     std::int32_t position = 0;

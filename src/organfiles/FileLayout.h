@@ -21,6 +21,8 @@ inline constexpr int kNameListEntries = 750;
 std::string GetFileVersion(Context& ctx, const std::filesystem::path& file);
 // The preset or song name, trimmed; the first 16 characters for a file without the mark.
 std::string GetPresetName(Context& ctx, const std::filesystem::path& file);
+// The same from the file's first bytes, already read (an empty file is error 62).
+std::string GetPresetName(Context& ctx, const std::filesystem::path& file, std::string_view head);
 // `family` "S", "A" or "E"; `kind` "PRESET" or "RECORDING"; `button` "A1".."E10" or "0".
 std::int32_t CalcAddress(Context& ctx, std::string_view family, std::string_view kind,
                          std::string_view button);
