@@ -6,6 +6,7 @@
 #include "app/Text.h"
 #include "app/Version.h"
 #include "drive/VolumeCommands.h"
+#include "library/TransferCommands.h"
 #include "organfiles/AnalyzeContent.h"
 
 namespace tvk {
@@ -156,6 +157,7 @@ ScanOutcome acceptDrive(Context& ctx, Routine& r) {
     s.drive.present = enableForNamedDrive(ctx);
     ctx.ui.setStatus(StatusPanel::Drive, driveStatusText(s.drive));
     s.usbPattern = s.pattern;
+    offerRestoreRecovery(ctx);  // before anything else works on the stick's files
     countContent(ctx, r);
     if (s.refreshLists) s.refreshLists();
     if (!s.drive.present) return ScanOutcome::Refused;

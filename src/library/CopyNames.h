@@ -68,5 +68,8 @@ std::string stickExtension(Series family, bool song);
 // without the extension. A name the file system cannot hold (control characters) is a
 // run-time error 52 for the caller's handler.
 std::string readableName(Context& ctx, const std::filesystem::path& file);
+// The same, reading the file without a routine of its own: a failure is the caller's
+// step, so a vanished file is one error box, not two.
+std::string readableName(const std::filesystem::path& file);
 
 }  // namespace tvk

@@ -15,6 +15,7 @@
 #include "app/Startup.h"
 #include "app/Version.h"
 #include "drive/ScanForUSBs.h"
+#include "library/TransferCommands.h"
 #include "library/CategoryViews.h"
 #include "library/Selection.h"
 #include "ui/Colors.h"
@@ -233,7 +234,7 @@ void MainWindow::activate() {
         FormActivate(ctx, activatedOnce_,
                      ActivateHooks{[this] {
                                        auto c = context();
-                                       ScanForUSBs(c);
+                                       afterScan(c, ScanForUSBs(c));
                                        refreshAll();
                                    },
                                    [this] { startUpdateCheck(); }});
@@ -244,13 +245,13 @@ void MainWindow::scanForDrives(const std::optional<DeviceNotice>& notice) {
     command([&] {
         auto ctx = context();
         if (!notice) {
-            ScanForUSBs(ctx);
+            afterScan(ctx, ScanForUSBs(ctx));
         } else if (notice->kind == DeviceNotice::Kind::Arrival) {
-            SysInfo1_DeviceArrival(ctx, *notice);
+            afterScan(ctx, SysInfo1_DeviceArrival(ctx, *notice));
         } else {
             // A file playing from the pulled stick cannot go on.
             player_->stop();
-            SysInfo1_DeviceRemoveComplete(ctx, *notice);
+            afterScan(ctx, SysInfo1_DeviceRemoveComplete(ctx, *notice));
         }
         refreshAll();
     });

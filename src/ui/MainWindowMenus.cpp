@@ -6,6 +6,7 @@
 #include "library/CategoryViews.h"
 #include "library/CopyPaste.h"
 #include "library/Selection.h"
+#include "library/TransferCommands.h"
 #include "ui/FolderTree.h"
 #include "ui/MainWindow.h"
 #include "ui/MakeFilesDialog.h"
@@ -128,7 +129,7 @@ void MainWindow::buildMenus() {
     on("mnuFileFormat", [this] {
         command([&] {
             auto ctx = context();
-            mnuFileFormat_Click(ctx);
+            afterScan(ctx, mnuFileFormat_Click(ctx));
             refreshAll();
         });
     });
