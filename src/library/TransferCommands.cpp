@@ -27,7 +27,7 @@ bool isOrganFile(const std::string& name) {
 
 // Every transfer shows the whole stick: series "ALL" and "A&ll Files".
 void showAllFiles(Context& ctx) {
-    for (int i = 0; i < 4 && ctx.state.series != 0; ++i) clickVisibleSeriesMenu(ctx);
+    for (int i = 0; i < 4 && ctx.state.series != Series::All; ++i) clickVisibleSeriesMenu(ctx);
     btnButtonBar_Click(ctx, 0);
 }
 
