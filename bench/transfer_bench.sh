@@ -10,12 +10,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-build=${TVK_BENCH_BUILD:-build-bench-transfer}
-runs=${RUNS:-3}
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTVK_BUILD_GUI=OFF \
-    -DTVK_BUILD_TESTS=OFF -DTVK_BUILD_BENCH=OFF >/dev/null
-ninja -C "$build" tvk >/dev/null
-tvk="$PWD/$build/src/tvk"
+RUNS=${RUNS:-3}
+source bench/bench_lib.sh
+build_tvk "${TVK_BENCH_BUILD:-build-bench-transfer}"
 
 work=$(mktemp -d)
 mnt="$work/mnt"

@@ -6,6 +6,7 @@
 // the stick's root says a restore is under way until the last file is in place, so a
 // stick pulled part way is recognised at its next scan. The mirror folder is only read.
 
+#include <map>
 #include <set>
 
 #include "app/DiskSpace.h"
