@@ -12,6 +12,7 @@
 #include "app/Text.h"
 #include "drive/ImageDrives.h"
 #include "drive/ScanForUSBs.h"
+#include "library/TransferCommands.h"
 #include "drive/VolumeHelpers.h"
 #include "drive/VolumeProbe.h"
 #include "support/DriveImages.h"

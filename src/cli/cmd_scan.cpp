@@ -9,6 +9,7 @@
 #include "cli/DriveSession.h"
 #include "drive/DriveInfo.h"
 #include "drive/ScanForUSBs.h"
+#include "library/TransferCommands.h"
 
 namespace tvk::cli {
 namespace {
@@ -16,7 +17,7 @@ namespace {
 int runScan(std::vector<std::string>& args, ConsoleInteraction& ui) {
     DriveSession drives(args, ui);
     Context& ctx = drives.ctx;
-    ScanForUSBs(ctx);
+    afterScan(ctx, ScanForUSBs(ctx));
     const ThumbDriveState& d = ctx.state.drive;
     if (d.letter.empty()) {
         ui.out() << "No thumbdrive found.\n";

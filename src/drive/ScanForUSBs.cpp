@@ -7,6 +7,7 @@
 #include "app/Version.h"
 #include "drive/VolumeCommands.h"
 #include "library/SortRecovery.h"
+#include "library/TransferCommands.h"
 #include "organfiles/AnalyzeContent.h"
 
 namespace tvk {
@@ -152,6 +153,7 @@ ScanOutcome acceptDrive(Context& ctx, Routine& r) {
     ctx.ui.setStatus(StatusPanel::Drive, driveStatusText(s.drive));
     s.usbPattern = s.pattern;
     offerSortRecovery(ctx);  // before anything else works on the stick's files
+    offerRestoreRecovery(ctx);  // before anything else works on the stick's files
     countContent(ctx, r);
     if (s.refreshLists) s.refreshLists();
     if (!s.drive.present) return ScanOutcome::Refused;

@@ -18,7 +18,8 @@ inline constexpr const char* kNoDrivePattern = "*.nothing";
 inline constexpr int kTransferButtons = 5;  // btnUSB_Docs 0 to 4
 
 // With no notice, tries every drive in order and takes the first removable one that
-// holds a volume; with a notice, takes the drive it names.
+// holds a volume; with a notice, takes the drive it names. An accepted stick is offered
+// the rest of a sort or a restore that did not finish.
 ScanOutcome ScanForUSBs(Context& ctx, const DeviceNotice* notice = nullptr);
 
 // The device notices. An arrival while another accepted drive is still attached is

@@ -5,6 +5,7 @@
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "organfiles/FileLayout.h"
+#include "organfiles/OrganFile.h"
 
 namespace tvk {
 
@@ -81,10 +82,9 @@ std::string stickExtension(Series family, bool song) {
     return song ? ".LMR" : ".LPG";
 }
 
-std::string readableName(Context& ctx, const std::filesystem::path& file,
-                         std::optional<std::string_view> head) {
-    std::string name =
-        CheckName(ctx, head ? GetPresetName(ctx, file, *head) : GetPresetName(ctx, file));
+namespace {
+
+std::string legalName(std::string name, const std::filesystem::path& file) {
     if (trimWhitespace(name).empty()) name = splitExtension(fileNameUtf8(file)).base;
     const bool control = std::any_of(name.begin(), name.end(), [](char c) {
         return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
@@ -93,6 +93,20 @@ std::string readableName(Context& ctx, const std::filesystem::path& file,
         throw RuntimeError(kErrBadFileNameOrNumber,
                            "the name inside " + pathToUtf8(file) + " holds control characters");
     return name;
+}
+
+}  // namespace
+
+std::string readableName(Context& ctx, const std::filesystem::path& file,
+                         std::optional<std::string_view> head) {
+    return legalName(
+        CheckName(ctx, head ? GetPresetName(ctx, file, *head) : GetPresetName(ctx, file)), file);
+}
+
+std::string readableName(const std::filesystem::path& file) {
+    // An empty file has no header to read a name from; it keeps its own.
+    if (std::filesystem::file_size(file) == 0) return legalName({}, file);
+    return legalName(checkName(readPresetName(file)), file);
 }
 
 }  // namespace tvk

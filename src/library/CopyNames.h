@@ -73,5 +73,8 @@ std::string stickExtension(Series family, bool song);
 // bytes, already read.
 std::string readableName(Context& ctx, const std::filesystem::path& file,
                          std::optional<std::string_view> head = std::nullopt);
+// The same, reading the file without a routine of its own: a failure is the caller's
+// step, so a vanished file is one error box, not two.
+std::string readableName(const std::filesystem::path& file);
 
 }  // namespace tvk

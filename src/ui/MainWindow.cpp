@@ -18,6 +18,7 @@
 #include "drive/ScanForUSBs.h"
 #include "library/CategoryViews.h"
 #include "library/Selection.h"
+#include "library/TransferCommands.h"
 #include "ui/Colors.h"
 #include "ui/DeviceWatch.h"
 #include "ui/FolderTree.h"
@@ -237,7 +238,7 @@ void MainWindow::activate() {
         FormActivate(ctx, activatedOnce_,
                      ActivateHooks{[this] {
                                        auto c = context();
-                                       ScanForUSBs(c);
+                                       afterScan(c, ScanForUSBs(c));
                                        refreshAll();
                                    },
                                    [this] { startUpdateCheck(); }});
@@ -248,13 +249,13 @@ void MainWindow::scanForDrives(const std::optional<DeviceNotice>& notice) {
     command([&] {
         auto ctx = context();
         if (!notice) {
-            ScanForUSBs(ctx);
+            afterScan(ctx, ScanForUSBs(ctx));
         } else if (notice->kind == DeviceNotice::Kind::Arrival) {
-            SysInfo1_DeviceArrival(ctx, *notice);
+            afterScan(ctx, SysInfo1_DeviceArrival(ctx, *notice));
         } else {
             // A file playing from the pulled stick cannot go on.
             player_->stop();
-            SysInfo1_DeviceRemoveComplete(ctx, *notice);
+            afterScan(ctx, SysInfo1_DeviceRemoveComplete(ctx, *notice));
         }
         refreshAll();
     });

@@ -12,6 +12,7 @@
 #include "library/CategoryViews.h"
 #include "library/CompareFiles.h"
 #include "library/Selection.h"
+#include "library/TransferCommands.h"
 #include "organfiles/OrganFile.h"
 #include "organfiles/OrganNames.h"
 #include "ui/AboutDialog.h"
@@ -65,13 +66,19 @@ void MainWindow::connectSignals() {
         dirDocs_->setRoot(root);
         folderChosen(qpath(root));
     });
-    for (auto* b : btnUSB_Docs_)
-        connect(b, &QPushButton::clicked, this,
-                [this, b] { command([&] { notAvailable(b->text()); }); });
+    for (int i = 0; i < static_cast<int>(btnUSB_Docs_.size()); ++i) {
+        connect(btnUSB_Docs_[i], &QPushButton::clicked, this, [this, i] {
+            command([&] {
+                auto ctx = context();
+                btnUSB_Docs_Click(ctx, i);
+                refreshAll();
+            });
+        });
+    }
     connect(btnRenameVol_, &QPushButton::clicked, this, [this] {
         command([&] {
             auto ctx = context();
-            btnRenameVol_Click(ctx);
+            afterScan(ctx, btnRenameVol_Click(ctx));
             refreshAll();
         });
     });

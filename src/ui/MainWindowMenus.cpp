@@ -10,6 +10,7 @@
 #include "library/RenameFile.h"
 #include "library/Selection.h"
 #include "ui/ContextMenu.h"
+#include "library/TransferCommands.h"
 #include "ui/FolderTree.h"
 #include "ui/MainWindow.h"
 #include "ui/MakeFilesDialog.h"
@@ -132,7 +133,7 @@ void MainWindow::buildMenus() {
     on("mnuFileFormat", [this] {
         command([&] {
             auto ctx = context();
-            mnuFileFormat_Click(ctx);
+            afterScan(ctx, mnuFileFormat_Click(ctx));
             refreshAll();
         });
     });

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "library/CategoryViews.h"
+#include "library/TransferCommands.h"
 #include "ui/FolderTree.h"
 #include "ui/MainWindow.h"
 #include "ui/QtText.h"
@@ -103,11 +104,9 @@ void MainWindow::buildPanes() {
     auto* commands = new QWidget(central);
     auto* column = new QVBoxLayout(commands);
     column->setContentsMargins(0, 8, 0, 0);
-    const char* transfer[5] = {"&Update FROM Thumbdrive", "Restore TO &Thumbdrive",
-                               "&Add ALL to Computer", "Add &USB Presets to Pool",
-                               "Add &USB Recordings"};
     for (int i = 0; i < 5; ++i) {
-        btnUSB_Docs_[i] = new QPushButton(transfer[i], commands);
+        btnUSB_Docs_[i] = new QPushButton(kTransferCaptions[i], commands);
+        btnUSB_Docs_[i]->setToolTip(kTransferTooltips[i]);
         btnUSB_Docs_[i]->setObjectName(arrayName("btnUSB_Docs", i));
         column->addWidget(btnUSB_Docs_[i]);
         widgets_[btnUSB_Docs_[i]->objectName()] = btnUSB_Docs_[i];

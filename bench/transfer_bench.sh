@@ -1,0 +1,93 @@
+#!/usr/bin/env bash
+# Times "&Add ALL to Computer" (`tvk add-all`) of a FAT32 stick image holding 750 presets,
+# 40 recordings and 20 MP3 files of 3 MB, side by side with the floor: `cp` of the same
+# files into the library, then one `mv` per file that add all renames. Both sides mount
+# the image with fusefat and unmount it again; each run starts from an empty library.
+# The target is at most 1.2 times the floor.
+#
+#   bench/transfer_bench.sh            # builds Release into build-bench-transfer, then runs
+#   RUNS=5 bench/transfer_bench.sh     # best of 5 instead of 3
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+RUNS=${RUNS:-3}
+source bench/bench_lib.sh
+build_tvk "${TVK_BENCH_BUILD:-build-bench-transfer}"
+
+work=$(mktemp -d)
+mnt="$work/mnt"
+mkdir -p "$mnt"
+cleanup() {
+    fusermount -u "$mnt" 2>/dev/null || true
+    rm -rf "$work"
+}
+trap cleanup EXIT
+
+export HOME="$work/home"
+lib="$HOME/Documents/Tavrin File Manager"
+mkdir -p "$lib"
+mirror="$lib/BENCH - 2021BEEF"
+
+# The stick: 250 presets of each family and 40 recordings from the test-file generator,
+# 20 MP3 files of 3 MB.
+"$tvk" make-files "$work" --presets 250 --songs 14 --seed 1 --suffix bench >/dev/null
+pristine="$work/pristine.img"
+truncate -s 256M "$pristine"
+mkfs.fat -F 32 -n BENCH -i 2021BEEF "$pristine" >/dev/null
+MTOOLS_SKIP_CHECK=1 mmd -i "$pristine" ::TAVRIN
+fusefat -o rw+ "$pristine" "$mnt"
+songs=0
+for f in "$work"/FAKEPRFILES*/*; do
+    case "$f" in
+    *SONG*) ((songs < 40)) || continue; songs=$((songs + 1)) ;;
+    esac
+    cp "$f" "$mnt/TAVRIN/"
+done
+for i in $(seq -w 1 20); do head -c $((3 << 20)) /dev/urandom >"$mnt/TAVRIN/Track $i.mp3"; done
+fusermount -u "$mnt"
+stick="$work/stick.img"
+fresh() {
+    cp --sparse=always "$pristine" "$stick"
+    rm -rf "$mirror"
+}
+
+# The renames add all makes, taken from one run, for the floor to repeat with mv.
+fresh
+"$tvk" add-all --drive-image "$stick" </dev/null | grep ' -> ' >"$work/names.txt"
+files=$(wc -l <"$work/names.txt")
+renamed=$(awk -F' -> ' '$1 != $2' "$work/names.txt" | wc -l)
+
+tvk_run() { "$tvk" add-all --drive-image "$stick" </dev/null; }
+floor_run() {
+    fusefat -o ro "$stick" "$mnt"
+    mkdir -p "$mirror"
+    cp -p "$mnt/TAVRIN"/* "$mirror/"
+    fusermount -u "$mnt"
+    while IFS= read -r line; do
+        from=${line%% -> *} to=${line#* -> }
+        [[ "$from" == "$to" ]] || mv -n "$mirror/$from" "$mirror/$to"
+    done <"$work/names.txt"
+}
+
+time_us() {
+    local start end
+    start=$(date +%s%N)
+    "$@" >/dev/null
+    end=$(date +%s%N)
+    echo $(((end - start) / 1000))
+}
+best() {
+    local run=$1 best=0 us
+    for ((i = 0; i < runs; i++)); do
+        fresh
+        us=$(time_us $run)
+        if ((best == 0 || us < best)); then best=$us; fi
+    done
+    echo "$best"
+}
+
+echo "best of $runs runs, $(nproc) cores; $files files ($renamed renamed), $(du -sh "$work/FAKEPRFILES"* | awk '{s=s" "$1} END {print s}') of organ files + 60 MB of MP3"
+tvk_us=$(best tvk_run)
+floor_us=$(best floor_run)
+awk -v t="$tvk_us" -v c="$floor_us" 'BEGIN {
+    printf "add all   tvk add-all %9.1f ms   cp + mv %9.1f ms   ratio %5.2f\n", t / 1000, c / 1000, t / c }'

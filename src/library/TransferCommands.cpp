@@ -1,0 +1,326 @@
+#include "library/TransferCommands.h"
+
+#include <cmath>
+#include <map>
+
+#include "app/FileIO.h"
+#include "app/PlainFiles.h"
+#include "app/Text.h"
+#include "drive/ScanForUSBs.h"
+#include "drive/Volumes.h"
+#include "library/CategoryViews.h"
+#include "library/TransferSupport.h"
+#include "organfiles/AnalyzeContent.h"
+
+namespace tvk {
+
+namespace {
+
+std::string quoted(const std::string& text) {
+    return std::string(kQuote) + text + std::string(kQuote);
+}
+
+bool isOrganFile(const std::string& name) {
+    const FileKind kind = fileKind(name);
+    return kind == FileKind::Preset || kind == FileKind::Recording;
+}
+
+// Every transfer shows the whole stick: series "ALL" and "A&ll Files".
+void showAllFiles(Context& ctx) {
+    for (int i = 0; i < 4 && ctx.state.series != Series::All; ++i) clickVisibleSeriesMenu(ctx);
+    btnButtonBar_Click(ctx, 0);
+}
+
+TransferReport addAll(Context& ctx, Routine& r, const std::vector<std::string>& files) {
+    TransferReport report;
+    const auto mirror = mirrorFolder(ctx);
+    ctx.ui.showProgress(static_cast<int>(files.size()));
+    std::optional<FolderNames> names;
+    if (!r.step("Create " + pathToUtf8(mirror), [&] {
+            std::filesystem::create_directories(mirror);
+            names.emplace(mirror);
+        }))
+        return report;
+    TransferCopy(ctx, r, report, "Copying ")
+        .run(ctx.state.drive.tavrinFolder(), files, *names,
+             [&](const std::string& name, const std::filesystem::path& source) {
+                 return addAllName(ctx, *names, name, source, report.duplicates);
+             });
+    report.completed = report.failures.empty();
+    return report;
+}
+
+void showDuplicates(Context& ctx, int duplicates) {
+    if (duplicates <= 0) return;
+    ctx.ui.message(
+        Message{"DUPLICATE FILES",
+                "There are " + std::to_string(duplicates) + " duplicate files marked with (#)",
+                Buttons::Ok, Icon::Information, 1});
+}
+
+struct Pool {
+    const char* patterns;
+    const char* title;
+    std::string prompt;  // before the folder name
+    std::filesystem::path folder;
+    std::string folderName;
+    bool duplicatesBox;
+};
+
+Pool poolFor(const Context& ctx, TransferButton button) {
+    if (button == TransferButton::PoolPresets)
+        return {"*.?pg",
+                "COPY PRESETS TO POOL",
+                " PRESET files to the ",
+                ctx.paths.presetPool(),
+                "Preset Pool",
+                false};
+    return {"*.?mr",
+            "COPY RECORDINGS TO POOL",
+            " RECORDING files to ",
+            ctx.paths.musicRecordings(),
+            "Music Recordings",
+            true};
+}
+
+// A pool name: the readable name with the series letter as the extension's first letter
+// ("LPG" of an SU preset becomes "SPG"); "_#" and a number counting up while it is taken.
+std::string poolName(Context& ctx, const FolderNames& folder, const std::string& name,
+                     const std::filesystem::path& source, int& duplicates) {
+    const NameInfo info = classifyName(name);
+    const auto family = seriesFromLetter(info.seriesLetter);
+    NameParts parts = splitExtension(name);
+    if (isOrganFile(name) && family) {
+        parts.base = readableName(source);
+        parts.extension = "." + std::string(seriesCode(*family)).substr(0, 1) +
+                          parts.extension.substr(std::min<std::size_t>(2, parts.extension.size()));
+    }
+    std::string candidate = isOrganFile(name) && family ? parts.base + parts.extension : name;
+    for (int n = 1; folder.taken(candidate); ++n, ++duplicates)
+        candidate = parts.base + "_#" + std::to_string(n) + parts.extension;
+    return candidate;
+}
+
+TransferReport addToPool(Context& ctx, Routine& r, TransferButton button) {
+    TransferReport report;
+    const Pool pool = poolFor(ctx, button);
+    const auto files = stickFiles(ctx, r, pool.patterns);
+    const Answer answer = ctx.ui.message(Message{
+        pool.title,
+        "This will copy " + std::to_string(files.size()) + pool.prompt + quoted(pool.folderName),
+        Buttons::OkCancel, Icon::Information, 1});
+    if (answer != Answer::Ok) {
+        report.declined = true;
+        return report;
+    }
+    ctx.state.usbPattern = pool.patterns;
+    if (ctx.state.refreshLists) ctx.state.refreshLists();
+    ctx.ui.showProgress(static_cast<int>(files.size()));
+    std::optional<FolderNames> names;
+    if (!r.step("Create " + pathToUtf8(pool.folder), [&] {
+            std::filesystem::create_directories(pool.folder);
+            names.emplace(pool.folder);
+        }))
+        return report;
+    TransferCopy(ctx, r, report, "Copying ")
+        .run(ctx.state.drive.tavrinFolder(), files, *names,
+             [&](const std::string& name, const std::filesystem::path& source) {
+                 return poolName(ctx, *names, name, source, report.duplicates);
+             });
+    if (pool.duplicatesBox) showDuplicates(ctx, report.duplicates);
+    report.completed = report.failures.empty();
+    return report;
+}
+
+// The mirror folder's files by size, subfolders included, for finding a stick file's
+// bytes in it.
+std::multimap<std::uintmax_t, std::filesystem::path> filesBySize(
+    const std::filesystem::path& folder) {
+    std::multimap<std::uintmax_t, std::filesystem::path> sizes;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+        if (entry.is_regular_file() && !isTemporaryName(fileNameUtf8(entry.path())))
+            sizes.emplace(entry.file_size(), entry.path());
+    return sizes;
+}
+
+bool heldIn(const std::multimap<std::uintmax_t, std::filesystem::path>& sizes,
+            const std::filesystem::path& file) {
+    const auto size = std::filesystem::file_size(file);
+    const auto [first, last] = sizes.equal_range(size);
+    if (first == last) return false;
+    const std::string bytes = readWholeFile(file);
+    for (auto it = first; it != last; ++it)
+        if (readWholeFile(it->second) == bytes) return true;
+    return false;
+}
+
+// Auto Backup of a stick whose mirror folder exists: only what is new or changed.
+TransferReport addNewFiles(Context& ctx, Routine& r) {
+    TransferReport report;
+    const auto mirror = mirrorFolder(ctx);
+    const auto stick = ctx.state.drive.tavrinFolder();
+    std::vector<std::string> fresh;
+    r.step("Compare " + pathToUtf8(stick) + " with " + pathToUtf8(mirror), [&] {
+        fresh.clear();
+        const auto sizes = filesBySize(mirror);
+        for (const auto& name : stickFiles(ctx, r))
+            if (!heldIn(sizes, stick / pathFromUtf8(name))) fresh.push_back(name);
+    });
+    ctx.ui.showProgress(static_cast<int>(fresh.size()));
+    std::optional<FolderNames> names;
+    if (!r.step("List " + pathToUtf8(mirror), [&] { names.emplace(mirror); })) return report;
+    TransferCopy(ctx, r, report, "Copying ")
+        .run(stick, fresh, *names,
+             [&](const std::string& name, const std::filesystem::path& source) {
+                 return addAllName(ctx, *names, name, source, report.duplicates);
+             });
+    report.completed = report.failures.empty();
+    return report;
+}
+
+}  // namespace
+
+void TransferCopy::run(const std::filesystem::path& from, const std::vector<std::string>& files,
+                       FolderNames& to, const NameChooser& choose) {
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        ctx_.ui.setStatus(StatusPanel::Progress,
+                          copyingText(verb_, files[i], i + 1, files.size(), percent_));
+        ctx_.ui.setProgress(static_cast<int>(i + 1));
+        ctx_.ui.processEvents();
+        copyOne(from, files[i], to, choose);
+    }
+}
+
+void TransferCopy::copyOne(const std::filesystem::path& from, const std::string& name,
+                           FolderNames& to, const NameChooser& choose) {
+    const auto source = from / pathFromUtf8(name);
+    const int duplicates = report_.duplicates;
+    std::optional<std::string> target;
+    int error = 0;
+    bool done = false;
+    try {
+        done = r_.step("Copy " + quoted(pathToUtf8(source)), [&] {
+            report_.duplicates = duplicates;
+            try {
+                target = choose(name, source);
+                if (!target) return;
+                const auto destination = to.folder() / pathFromUtf8(*target);
+                r_.setTask("Copy " + quoted(pathToUtf8(source)) + " to " +
+                           quoted(pathToUtf8(destination)));
+                copyFileSafely(source, destination,
+                               [&](std::uintmax_t, std::uintmax_t) { ctx_.ui.processEvents(); });
+            } catch (const std::exception&) {
+                error = RuntimeError::fromCurrentException().number();
+                throw;
+            }
+        });
+    } catch (const RoutineAbort&) {
+        report_.failures.push_back({name, error});  // the file the command stopped at
+        throw;
+    }
+    if (!done) {
+        report_.failures.push_back({name, error});
+        return;
+    }
+    if (!target) {
+        report_.skipped.push_back(name);
+        return;
+    }
+    to.add(*target);
+    report_.copied.push_back({name, *target});
+}
+
+std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string& patterns) {
+    std::vector<std::string> files;
+    const ThumbDriveState& d = ctx.state.drive;
+    r.step("List " + pathToUtf8(d.tavrinFolder()), [&] {
+        std::vector<std::string> ignore;
+        if (ctx.volumes && !d.letter.empty()) ignore = ctx.volumes->systemEntries(d.letter);
+        files = listPlainFiles(d.tavrinFolder(), patterns, ignore);
+    });
+    return files;
+}
+
+std::string addAllName(Context& ctx, const FolderNames& folder, const std::string& name,
+                       const std::filesystem::path& source, int& duplicates) {
+    NameParts parts = splitExtension(name);
+    std::string wanted = name;  // media and other files keep their names
+    if (isOrganFile(name)) {
+        parts.base = readableName(source);
+        wanted = parts.base + parts.extension;
+    }
+    int counter = 1;
+    return freeSuffixName(folder, wanted, parts, counter, duplicates);
+}
+
+std::string copyingText(const std::string& verb, const std::string& name, std::size_t done,
+                        std::size_t count, bool percent) {
+    if (!percent) return verb + name;
+    const long share = count == 0 ? 100 : std::lround(100.0 * double(done) / double(count));
+    return verb + name + " - " + std::to_string(share) + "%";
+}
+
+void afterTransfer(Context& ctx) {
+    ctx.ui.hideProgress();
+    MainState& s = ctx.state;
+    if (s.drive.present) {
+        std::error_code ec;
+        const bool mirror = std::filesystem::is_directory(mirrorFolder(ctx), ec);
+        s.enabled[controlName("btnUSB_Docs", 0)] = mirror;
+        s.enabled[controlName("btnUSB_Docs", 1)] = mirror;
+        AnalyzeContent(ctx, s.drive.tavrinFolder());
+    }
+    btnButtonBar_Click(ctx, 0);
+}
+
+std::filesystem::path mirrorFolder(const Context& ctx) {
+    const ThumbDriveState& d = ctx.state.drive;
+    return ctx.paths.libraryRoot / pathFromUtf8(mirrorFolderName(d.volumeName, d.serialHex));
+}
+
+TransferReport btnUSB_Docs_Click(Context& ctx, int index) {
+    TransferReport report;
+    routine(ctx, "frmMain.btnUSB_Docs_Click #" + std::to_string(index), [&](Routine& r) {
+        if (index < 0 || index > 4 || !ctx.state.drive.present) return;
+        showAllFiles(ctx);
+        switch (static_cast<TransferButton>(index)) {
+            case TransferButton::Update:
+                report = updateComputer(ctx, r);
+                break;
+            case TransferButton::Restore:
+                report = restoreThumbdrive(ctx, r, false);
+                break;
+            case TransferButton::AddAll:
+                report = addAll(ctx, r, stickFiles(ctx, r));
+                showDuplicates(ctx, report.duplicates);
+                break;
+            case TransferButton::PoolPresets:
+            case TransferButton::PoolRecordings:
+                report = addToPool(ctx, r, static_cast<TransferButton>(index));
+                break;
+        }
+    });
+    afterTransfer(ctx);
+    return report;
+}
+
+void afterScan(Context& ctx, ScanOutcome outcome) {
+    if (outcome == ScanOutcome::AutoBackupWanted && ctx.state.drive.present) autoBackup(ctx);
+}
+
+TransferReport autoBackup(Context& ctx) {
+    std::error_code ec;
+    if (!std::filesystem::is_directory(mirrorFolder(ctx), ec))
+        return btnUSB_Docs_Click(ctx, static_cast<int>(TransferButton::AddAll));
+    TransferReport report;
+    routine(ctx, "frmMain.AutoBackup", [&](Routine& r) {
+        report = addNewFiles(ctx, r);
+        ctx.ui.setStatus(StatusPanel::Second,
+                         "Auto Backup: " + std::to_string(report.copied.size()) +
+                             " new or changed files added to " + fileNameUtf8(mirrorFolder(ctx)));
+    });
+    ctx.ui.hideProgress();
+    return report;
+}
+
+}  // namespace tvk

@@ -1,0 +1,67 @@
+#pragma once
+// What the transfer commands share: the stick's file list, the copy of one file with its
+// status text and progress, and the names the library side gives organ files.
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/Routine.h"
+#include "library/CopyNames.h"
+#include "library/TransferCommands.h"
+
+namespace tvk {
+
+// Chooses the destination name of a source file; nullopt skips it.
+using NameChooser = std::function<std::optional<std::string>(const std::string& name,
+                                                             const std::filesystem::path& source)>;
+
+// Copies a list of files into one folder, one step a file (Retry chooses the name again),
+// showing `verb` + name + " - " + percent in status panel 1 and advancing the progress
+// bar. A file the user goes on without is kept as a failure in the report.
+class TransferCopy {
+  public:
+    TransferCopy(Context& ctx, Routine& r, TransferReport& report, std::string verb,
+                 bool percent = true)
+        : ctx_(ctx), r_(r), report_(report), verb_(std::move(verb)), percent_(percent) {}
+
+    void run(const std::filesystem::path& from, const std::vector<std::string>& files,
+             FolderNames& to, const NameChooser& choose);
+
+  private:
+    void copyOne(const std::filesystem::path& from, const std::string& name, FolderNames& to,
+                 const NameChooser& choose);
+
+    Context& ctx_;
+    Routine& r_;
+    TransferReport& report_;
+    std::string verb_;
+    bool percent_;
+};
+
+// The plain files of the stick's TAVRIN folder that match `patterns`, in list order.
+std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string& patterns = "*.*");
+
+// The name "&Add ALL to Computer" gives a stick file in the library: a preset or recording
+// its readable name and own extension, anything else its own name; " (n)" before the
+// extension while the name is taken.
+std::string addAllName(Context& ctx, const FolderNames& folder, const std::string& name,
+                       const std::filesystem::path& source, int& duplicates);
+
+// "Copying NAME - 42%".
+std::string copyingText(const std::string& verb, const std::string& name, std::size_t done,
+                        std::size_t count, bool percent);
+
+// After a command changed files: the view again, the stick's counts and the buttons that
+// need the mirror folder.
+void afterTransfer(Context& ctx);
+
+// The paragraph separator of the transfer messages.
+inline const std::string kParagraph = "\r\r";
+
+TransferReport updateComputer(Context& ctx, Routine& r);
+TransferReport restoreThumbdrive(Context& ctx, Routine& r, bool confirmed);
+
+}  // namespace tvk

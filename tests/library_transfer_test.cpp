@@ -1,0 +1,533 @@
+// The transfer buttons on folders and on FAT images mounted as sticks: the names each
+// command gives, its questions, the round trip stick -> library -> stick, Auto Backup at
+// the scan, and both sides compared before and after a pulled stick or a full disk.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+
+#include "app/Text.h"
+#include "drive/ScanForUSBs.h"
+#include "drive/Volumes.h"
+#include "library/TransferCommands.h"
+#include "organfiles/MakeFiles.h"
+#include "organfiles/OrganFile.h"
+#include "support/DriveImages.h"
+#include "support/FakeSystem.h"
+
+namespace tvk {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TempTree;
+using Files = std::map<std::string, std::string>;  // name (with subfolder) -> bytes
+
+struct WatchedInteraction : test::ScriptedInteraction {
+    std::function<void()> onEvents;
+    void processEvents() override {
+        ScriptedInteraction::processEvents();
+        if (onEvents) onEvents();
+    }
+};
+
+std::string organ(Series family, FileKind kind, const std::string& name) {
+    RandomSource random(11);
+    return buildTestFile(family, kind, name, random);
+}
+std::string su(const std::string& name) {
+    return organ(Series::SU, FileKind::Preset, name);
+}
+
+void put(const fs::path& folder, const Files& files) {
+    for (const auto& [name, bytes] : files) {
+        fs::create_directories((folder / pathFromUtf8(name)).parent_path());
+        test::writeFile(folder / pathFromUtf8(name), bytes);
+    }
+}
+
+// Everything in a folder, subfolders included, but the program's hidden notes.
+Files contents(const fs::path& folder) {
+    Files files;
+    if (!fs::is_directory(folder)) return files;
+    for (const auto& e : fs::recursive_directory_iterator(folder))
+        if (e.is_regular_file() && !startsWith(fileNameUtf8(e.path()), "."))
+            files[pathToUtf8(fs::relative(e.path(), folder).generic_u8string())] =
+                test::readFile(e.path());
+    return files;
+}
+
+std::vector<std::string> names(const Files& files) {
+    std::vector<std::string> out;
+    for (const auto& [name, bytes] : files) out.push_back(name);
+    return out;
+}
+
+// A session whose stick is a plain folder: fast, and every name is allowed.
+struct TransferTest : ::testing::Test {
+    TempTree tree;
+    WatchedInteraction ui;
+    Session session{std::make_unique<test::FakeSystem>(), ui};
+    Context ctx = session.context();
+    fs::path stick;
+
+    TransferTest() {
+        session.paths.libraryRoot = tree.mkdir("lib");
+        ThumbDriveState& d = ctx.state.drive;
+        d.present = true;
+        d.root = tree.mkdir("stick");
+        d.volumeName = "ORGAN";
+        d.serialHex = "1A2B";
+        stick = tree.mkdir("stick/TAVRIN");
+    }
+    void traced() {
+        session.trace.open(tree.path("TVK_ErrorLog.txt"));
+        session.trace.debug = true;
+    }
+};
+
+// Stick files every naming case starts from.
+const Files& stickFiles() {
+    static const Files files = {
+        {"SUPSET01.LPG", su("Piano")},
+        {"SUPSET02.LPG", su("Piano")},
+        {"APSET003.LPG", organ(Series::A, FileKind::Preset, "A/B:C?")},
+        {"ESONG004.EMR", organ(Series::E, FileKind::Recording, "")},
+        {"Song.mp3", "mp3"},
+        {"tune.mid", "midi"},
+    };
+    return files;
+}
+
+TEST_F(TransferTest, AddAllAndThePoolsNameFilesAndNeverReplaceOne) {
+    put(stick, stickFiles());
+    put(session.paths.presetPool(), {{"Piano.SPG", "mine"}});
+    struct Case {
+        TransferButton button;
+        fs::path folder;
+        std::vector<std::pair<std::string, Answer>> boxes;
+        std::vector<std::string> names;  // the folder afterwards
+    };
+    const Case cases[] = {
+        {TransferButton::AddAll,
+         tree.path("lib/ORGAN - 1A2B"),
+         {{"DUPLICATE FILES", Answer::Ok}},
+         {"A\u00D8B\u00A8C\u00BF.LPG", "ESONG004.EMR", "Piano (1).LPG", "Piano.LPG", "Song.mp3",
+          "tune.mid"}},
+        {TransferButton::PoolPresets,
+         session.paths.presetPool(),
+         {{"COPY PRESETS TO POOL", Answer::Ok}},
+         {"A\u00D8B\u00A8C\u00BF.APG", "Piano.SPG", "Piano_#1.SPG", "Piano_#2.SPG"}},
+        {TransferButton::PoolRecordings,
+         session.paths.musicRecordings(),
+         {{"COPY RECORDINGS TO POOL", Answer::Ok}},
+         {"ESONG004.EMR"}},
+        {TransferButton::PoolRecordings,
+         session.paths.musicRecordings(),
+         {{"COPY RECORDINGS TO POOL", Answer::Cancel}},
+         {"ESONG004.EMR"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(static_cast<int>(c.button));
+        ui.shown.clear();
+        for (const auto& [title, answer] : c.boxes) ui.expect(title, answer);
+        const auto report = btnUSB_Docs_Click(ctx, static_cast<int>(c.button));
+        EXPECT_TRUE(ui.done());
+        EXPECT_EQ(names(contents(c.folder)), c.names);
+        EXPECT_EQ(ctx.state.series, Series::All);
+        EXPECT_EQ(ctx.state.selectedCategory, 0);
+        EXPECT_FALSE(ui.progressVisible);
+        EXPECT_EQ(contents(stick), stickFiles());
+        if (c.button == TransferButton::AddAll) {
+            EXPECT_EQ(ui.shown.at(0).text, "There are 1 duplicate files marked with (#)");
+            EXPECT_TRUE(ctx.state.isEnabled("btnUSB_Docs_0"));
+            EXPECT_TRUE(ctx.state.isEnabled("btnUSB_Docs_1"));
+        }
+        if (c.button == TransferButton::PoolPresets) {
+            EXPECT_EQ(ui.shown.at(0).text, "This will copy 3 PRESET files to the \"Preset Pool\"");
+            EXPECT_EQ(contents(c.folder).at("Piano.SPG"), "mine");
+        }
+        if (c.button == TransferButton::PoolRecordings)
+            EXPECT_EQ(ui.shown.at(0).text,
+                      "This will copy 1 RECORDING files to \"Music Recordings\"");
+    }
+}
+
+TEST_F(TransferTest, UpdateGivesNumberedNamesRemovesWhatIsGoneAndKeepsSubfolders) {
+    struct Case {
+        std::uint8_t numberSeq;
+        std::string clashName;
+    };
+    for (const Case& c : {Case{0, "Piano_#01.LPG"}, Case{1, "Piano_#08.LPG"}}) {
+        SCOPED_TRACE(int(c.numberSeq));
+        ctx.settings.numberSeq = c.numberSeq;
+        const auto mirror = mirrorFolder(ctx);
+        fs::remove_all(mirror);
+        fs::remove_all(stick);
+        put(mirror, {{"Gone_#05.LPG", su("Gone")}, {"Mine/keep.txt", "kept"}});
+        // Two stick names that ask for the same readable name and number.
+        put(stick, {{"SUPSET07.LPG", su("Piano")},
+                    {"SUPSET7.LPG", su("Piano")},
+                    {"Plain.SPG", su("Plain")},
+                    {"Song.mp3", "mp3"}});
+        ui.expect("UPDATE COMPUTER", Answer::Yes);
+        const auto report = btnUSB_Docs_Click(ctx, 0);
+        EXPECT_TRUE(report.completed);
+        std::vector<std::string> expected = {"Mine/keep.txt", c.clashName, "Piano_#07.LPG",
+                                             "Plain.SPG", "Song.mp3"};
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(names(contents(mirror)), expected);
+        EXPECT_EQ(ui.shown.at(0).text,
+                  "This process will UPDATE the COMPUTERS's files to reflect the THUMBDRIVE's "
+                  "contents.\r\rAny files on the COMPUTER that are NOT on the THUMBDRIVE, will "
+                  "be removed!\r\rDo you want to continue?");
+        EXPECT_EQ(names(contents(tree.path("lib"))).size(), contents(mirror).size())
+            << "nothing left beside the mirror folder";
+    }
+}
+
+TEST_F(TransferTest, AFailedUpdateLeavesTheComputersCopyAsItWas) {
+    traced();
+    const Files before = {{"Old_#05.LPG", su("Old")}, {"Mine/keep.txt", "kept"}};
+    for (const Answer answer : {Answer::Ignore, Answer::Abort, Answer::No}) {
+        SCOPED_TRACE(answerName(answer));
+        const auto mirror = mirrorFolder(ctx);
+        fs::remove_all(mirror);
+        put(mirror, before);
+        put(stick, {{"SUPSET01.LPG", su("Piano")}, {"SUPSET02.LPG", su("Organ")}});
+        ui.expect("UPDATE COMPUTER", answer == Answer::No ? Answer::No : Answer::Yes);
+        if (answer != Answer::No) {
+            // The second file vanishes before its copy, as on a stick pulled part way.
+            ui.onEvents = [&] { fs::remove(stick / "SUPSET02.LPG"); };
+            ui.expect("TVK: RUNTIME ERROR", answer).expect("UPDATE COMPUTER");
+        }
+        const auto report = btnUSB_Docs_Click(ctx, 0);
+        ui.onEvents = nullptr;
+        EXPECT_TRUE(ui.done());
+        EXPECT_FALSE(report.completed);
+        EXPECT_EQ(contents(mirror), before);
+        EXPECT_EQ(names(contents(tree.path("lib"))).size(), before.size());
+        if (answer != Answer::No)
+            EXPECT_EQ(toDisplayLines(ui.shown.back().text),
+                      "The update did not finish: 1 files could not be copied (first "
+                      "\"SUPSET02.LPG\", error 53).\n\nThe computer's copy in \"" +
+                          pathToUtf8(mirror) + "\" was not changed.")
+                << answerName(answer);
+    }
+}
+
+TEST_F(TransferTest, RestoreGivesOrganNamesBackAndAsksAboutATakenOne) {
+    const auto mirror = mirrorFolder(ctx);
+    const Files library = {
+        {"Ballad_#002.LMR", organ(Series::A, FileKind::Recording, "Ballad")},
+        {"Bright_#07.SPG", su("Bright")},
+        {"Jazz_#003.LPG", organ(Series::A, FileKind::Preset, "Jazz")},
+        {"Organ_#01.LPG", su("Organ")},
+        {"Piano_#07.LPG", su("Piano")},
+        {"Polka.EMR", organ(Series::E, FileKind::Recording, "Polka")},
+        {"Rock_#01.SMR", organ(Series::SU, FileKind::Recording, "Rock")},
+        {"Short.LPG", "tiny"},
+        {"Song.mp3", "mp3"},
+        {"Strings.SPG", su("Strings")},
+        {"Waltz_#001.EPG", organ(Series::E, FileKind::Preset, "Waltz")},
+    };
+    // Piano_#07 meets Bright_#07 on SUPSET07.LPG.
+    const std::map<std::string, std::string> common = {{"ASONG002.LMR", "Ballad_#002.LMR"},
+                                                       {"APSET003.LPG", "Jazz_#003.LPG"},
+                                                       {"SUPSET01.LPG", "Organ_#01.LPG"},
+                                                       {"ESONG001.EMR", "Polka.EMR"},
+                                                       {"SUSONG01.LMR", "Rock_#01.SMR"},
+                                                       {"Short.LPG", "Short.LPG"},
+                                                       {"Song.mp3", "Song.mp3"},
+                                                       {"EPSET001.EPG", "Waltz_#001.EPG"}};
+    struct Case {
+        Answer answer;
+        std::map<std::string, std::string> more;  // stick name -> library name
+    };
+    const Case cases[] = {
+        {Answer::Yes,
+         {{"SUPSET07.LPG", "Bright_#07.SPG"},
+          {"SUPSET02.LPG", "Piano_#07.LPG"},
+          {"SUPSET03.LPG", "Strings.SPG"}}},
+        {Answer::No, {{"SUPSET07.LPG", "Piano_#07.LPG"}, {"SUPSET02.LPG", "Strings.SPG"}}},
+        {Answer::Cancel, {{"SUPSET07.LPG", "Bright_#07.SPG"}, {"SUPSET02.LPG", "Strings.SPG"}}},
+    };
+    put(mirror, library);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(answerName(c.answer));
+        put(stick, {{"OLD.TXT", "old"}});
+        ui.expect("RESTORE THUMBDRIVE", Answer::Yes).expect("FILE ALREADY EXISTS", c.answer);
+        const auto report = btnUSB_Docs_Click(ctx, 1);
+        EXPECT_TRUE(ui.done());
+        EXPECT_TRUE(report.completed);
+        Files expected;
+        auto all = common;
+        all.insert(c.more.begin(), c.more.end());
+        for (const auto& [onStick, inLibrary] : all) expected[onStick] = library.at(inLibrary);
+        EXPECT_EQ(contents(stick), expected);
+        EXPECT_EQ(contents(mirror), library);
+        EXPECT_FALSE(fs::exists(ctx.state.drive.root / ".tvk-restore"));
+        EXPECT_EQ(toDisplayLines(ui.shown.at(1).text),
+                  "The file \"SUPSET07.LPG\" is already on the USB.\n\nToo include it on the USB, "
+                  "it is recommended to renumber this file. Not renumbering it will REPLACE the "
+                  "existing file on the USB.\n\nDo you want it renumbered? Or Cancel this copy?");
+        ui.shown.clear();
+    }
+}
+
+// One plug-in of a stick image: its own session on the given library, traced so that
+// Abort ends a command rather than the program.
+struct Plugged {
+    WatchedInteraction ui;
+    std::unique_ptr<Session> session;
+    Plugged(const fs::path& library, const fs::path& image, const fs::path& trace) {
+        auto system = std::make_unique<test::FakeSystem>();
+        system->documents = library.parent_path();
+        session = std::make_unique<Session>(std::move(system), ui);
+        session->paths.libraryRoot = library;
+        session->volumes = makePlatformVolumes({{image}, false});
+        session->trace.open(trace);
+        session->trace.debug = true;
+    }
+    Context ctx() { return session->context(); }
+    fs::path tavrin() { return session->state.drive.tavrinFolder(); }
+    // Accepts the stick as the window's scan does.
+    void scan(bool autoBackup = false) {
+        Context c = ctx();
+        c.settings.autoBackup = autoBackup;
+        afterScan(c, ScanForUSBs(c));
+        ASSERT_TRUE(session->state.drive.present);
+    }
+};
+
+const Files& organFiles() {
+    static const Files files = {
+        {"SUPSET01.LPG", organ(Series::SU, FileKind::Preset, "Piano")},
+        {"SUPSET02.LPG", organ(Series::SU, FileKind::Preset, "Piano")},
+        {"APSET003.LPG", organ(Series::A, FileKind::Preset, "A/B:C?")},
+        {"EPSET010.EPG", organ(Series::E, FileKind::Preset, "Waltz")},
+        {"SUSONG01.LMR", organ(Series::SU, FileKind::Recording, "Rock")},
+        {"ASONG002.LMR", organ(Series::A, FileKind::Recording, "Ballad")},
+        {"ESONG004.EMR", organ(Series::E, FileKind::Recording, "")},
+        {"SONG.MP3", std::string(300000, 'm')},
+        {"TUNE.MID", "midi"},
+    };
+    return files;
+}
+
+struct StickTest : ::testing::Test {
+    TempTree tree;
+    fs::path library = tree.mkdir("Documents/Tavrin File Manager");
+
+    fs::path stickImage(const std::string& name, const std::string& serial, int sizeMiB = 32) {
+        const auto image = test::makeImage(
+            tree, name, {sizeMiB < 16 ? "fat12" : "fat16", sizeMiB, "ORGAN", serial});
+        test::fillTavrin(tree, image, {});
+        return image;
+    }
+    std::unique_ptr<Plugged> plug(const fs::path& image) {
+        return std::make_unique<Plugged>(library, image, tree.path("TVK_ErrorLog.txt"));
+    }
+};
+
+TEST_F(StickTest, RoundTripAddAllUpdateRestore) {
+    TVK_REQUIRE_FUSE();
+    const auto image = stickImage("stick.img", "1234ABCD");
+    auto stick = plug(image);
+    stick->scan();
+    Context ctx = stick->ctx();
+    EXPECT_FALSE(ctx.state.isEnabled("btnUSB_Docs_0"));
+    EXPECT_TRUE(ctx.state.isEnabled("btnUSB_Docs_2"));
+    put(stick->tavrin(), organFiles());
+
+    stick->ui.expect("DUPLICATE FILES");
+    EXPECT_TRUE(btnUSB_Docs_Click(ctx, 2).completed);
+    const auto mirror = library / "ORGAN - 1234ABCD";
+    const Files added = contents(mirror);
+    EXPECT_EQ(added.at("Piano.LPG"), organFiles().at("SUPSET01.LPG"));
+    EXPECT_EQ(added.at("Piano (1).LPG"), organFiles().at("SUPSET02.LPG"));
+    EXPECT_EQ(added.at("A\u00D8B\u00A8C\u00BF.LPG"), organFiles().at("APSET003.LPG"));
+    EXPECT_EQ(added.at("ESONG004.EMR"), organFiles().at("ESONG004.EMR"));
+    EXPECT_EQ(added.size(), organFiles().size());
+    EXPECT_TRUE(ctx.state.isEnabled("btnUSB_Docs_0") && ctx.state.isEnabled("btnUSB_Docs_1"));
+
+    fs::remove(stick->tavrin() / "TUNE.MID");
+    stick->ui.expect("UPDATE COMPUTER", Answer::Yes);
+    EXPECT_TRUE(btnUSB_Docs_Click(ctx, 0).completed);
+    const Files updated = contents(mirror);
+    EXPECT_EQ(updated.count("TUNE.MID"), 0u);
+    EXPECT_EQ(updated.at("Piano_#01.LPG"), organFiles().at("SUPSET01.LPG"));
+    EXPECT_EQ(updated.at("Waltz_#010.EPG"), organFiles().at("EPSET010.EPG"));
+    EXPECT_EQ(updated.at("ESONG004_#004.EMR"), organFiles().at("ESONG004.EMR"));
+
+    for (const auto& e : fs::directory_iterator(stick->tavrin())) fs::remove(e.path());
+    stick->ui.expect("RESTORE THUMBDRIVE", Answer::Yes);
+    EXPECT_TRUE(btnUSB_Docs_Click(ctx, 1).completed);
+    Files expected = organFiles();
+    expected.erase("TUNE.MID");
+    EXPECT_EQ(contents(stick->tavrin()), expected);
+    EXPECT_EQ(contents(mirror), updated);
+    EXPECT_TRUE(stick->ui.done());
+
+    // The same label on another stick has its own mirror folder.
+    stick.reset();
+    auto other = plug(stickImage("other.img", "5678DCBA"));
+    other->scan();
+    Context otherCtx = other->ctx();
+    EXPECT_FALSE(otherCtx.state.isEnabled("btnUSB_Docs_0"));
+    EXPECT_TRUE(btnUSB_Docs_Click(otherCtx, 2).completed);
+    EXPECT_TRUE(fs::is_directory(library / "ORGAN - 5678DCBA"));
+    EXPECT_EQ(contents(mirror), updated);
+}
+
+TEST_F(StickTest, APulledStickLosesNothing) {
+    TVK_REQUIRE_FUSE();
+    const auto mirror = library / "ORGAN - 1234ABCD";
+    const Files inMirror = {{"Piano_#01.LPG", organFiles().at("SUPSET01.LPG")},
+                            {"Rock_#01.SMR", organFiles().at("SUSONG01.LMR")},
+                            {"SONG.MP3", organFiles().at("SONG.MP3")}};
+    struct Case {
+        int button;
+        std::vector<std::pair<std::string, Answer>> boxes;
+    };
+    const Case cases[] = {{2, {}},
+                          {0, {{"UPDATE COMPUTER", Answer::Yes}}},
+                          {1, {{"RESTORE THUMBDRIVE", Answer::Yes}}}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.button);
+        fs::remove_all(mirror);
+        fs::create_directories(mirror);
+        put(mirror, inMirror);
+        const Files libraryBefore = contents(library);
+        const auto image = stickImage("pulled" + std::to_string(c.button) + ".img", "1234ABCD");
+        {
+            auto stick = plug(image);
+            stick->scan();
+            put(stick->tavrin(), organFiles());
+            Context ctx = stick->ctx();
+            for (const auto& [title, answer] : c.boxes) stick->ui.expect(title, answer);
+            stick->ui.expect("TVK: RUNTIME ERROR", Answer::Abort);
+            int events = 0;
+            stick->ui.onEvents = [&] {
+                if (++events == 3) test::pullImage(stick->session->state.drive.root);
+            };
+            stick->ui.lenient = true;  // the lists and counts of a pulled stick fail too
+            EXPECT_FALSE(btnUSB_Docs_Click(ctx, c.button).completed);
+            stick->ui.onEvents = nullptr;
+            if (c.button == 0) {
+                const auto& shown = stick->ui.shown;
+                EXPECT_TRUE(std::any_of(shown.begin(), shown.end(), [](const Message& m) {
+                    return m.text.find("was not changed") != std::string::npos;
+                }));
+            }
+        }
+        // The library is as it was, for every command; add all left its new folder as it got.
+        if (c.button != 2) EXPECT_EQ(contents(library), libraryBefore);
+        for (const auto& [name, bytes] : libraryBefore) EXPECT_EQ(contents(library)[name], bytes);
+        if (c.button != 1) continue;
+        // Plugged in again: the scan offers to finish the restore.
+        auto again = plug(image);
+        again->ui.expect("RESTORE THUMBDRIVE", Answer::Yes);
+        again->scan();
+        EXPECT_TRUE(again->ui.done());
+        EXPECT_NE(again->ui.shown.at(0).text.find("did not finish"), std::string::npos);
+        EXPECT_EQ(contents(again->tavrin()), (Files{{"SUPSET01.LPG", inMirror.at("Piano_#01.LPG")},
+                                                    {"SUSONG01.LMR", inMirror.at("Rock_#01.SMR")},
+                                                    {"SONG.MP3", inMirror.at("SONG.MP3")}}));
+        EXPECT_FALSE(fs::exists(again->session->state.drive.root / ".tvk-restore"));
+        EXPECT_EQ(contents(library), libraryBefore);
+    }
+}
+
+TEST_F(StickTest, RefusalsAndFullDisksChangeNothing) {
+    TVK_REQUIRE_FUSE();
+    // A restore with nothing to restore, declined, or too big for the small stick.
+    const auto small = stickImage("small.img", "1234ABCD", 1);
+    const auto mirror = library / "ORGAN - 1234ABCD";
+    const Files onStick = {{"SUPSET01.LPG", organFiles().at("SUPSET01.LPG")}};
+    struct Case {
+        Files library;
+        std::vector<std::pair<std::string, Answer>> boxes;
+    };
+    const Case cases[] = {
+        {{}, {{"NO FILES FOUND", Answer::Ok}}},
+        {{{"A.MP3", "a"}}, {{"RESTORE THUMBDRIVE", Answer::No}}},
+        {{{"A.MP3", std::string(600000, 'a')}, {"B.MP3", std::string(600000, 'b')}},
+         {{"RESTORE THUMBDRIVE", Answer::Yes}, {"NOT ENOUGH ROOM", Answer::Ok}}},
+    };
+    auto stick = plug(small);
+    stick->scan();
+    put(stick->tavrin(), onStick);
+    Context ctx = stick->ctx();
+    for (const auto& c : cases) {
+        fs::remove_all(mirror);
+        fs::create_directories(mirror);
+        put(mirror, c.library);
+        for (const auto& [title, answer] : c.boxes) stick->ui.expect(title, answer);
+        EXPECT_FALSE(btnUSB_Docs_Click(ctx, 1).completed);
+        EXPECT_TRUE(stick->ui.done());
+        EXPECT_EQ(contents(stick->tavrin()), onStick);
+    }
+    stick.reset();
+    // An update that fills the computer's disk leaves the old copy.
+    const auto disk = test::makeImage(tree, "disk.img", {"fat12", 1, "LIBDISK", ""});
+    const auto diskRoot = tree.mkdir("disk");
+    ASSERT_EQ(test::runCommand("fusefat -o rw+ '" + pathToUtf8(disk) + "' '" +
+                               pathToUtf8(diskRoot) + "'"),
+              0);
+    struct Unmount {
+        fs::path root;
+        ~Unmount() { test::runCommand("fusermount -u '" + pathToUtf8(root) + "'"); }
+    } unmount{diskRoot};
+    library = diskRoot / "Tavrin File Manager";
+    const auto smallMirror = library / "ORGAN - 1234ABCD";
+    fs::create_directories(smallMirror);
+    put(smallMirror, {{"Old_#01.LPG", "old"}});
+    const Files before = contents(library);
+    stick = plug(stickImage("big.img", "1234ABCD"));
+    stick->scan();
+    put(stick->tavrin(),
+        {{"A.MP3", std::string(600000, 'a')}, {"B.MP3", std::string(600000, 'b')}});
+    Context bigCtx = stick->ctx();
+    stick->ui.expect("UPDATE COMPUTER", Answer::Yes)
+        .expect("TVK: RUNTIME ERROR", Answer::Abort)
+        .expect("UPDATE COMPUTER");
+    EXPECT_FALSE(btnUSB_Docs_Click(bigCtx, 0).completed);
+    EXPECT_TRUE(stick->ui.done());
+    EXPECT_EQ(contents(library), before);
+}
+
+TEST_F(StickTest, AutoBackupAddsOnlyWhatIsNewOrChanged) {
+    TVK_REQUIRE_FUSE();
+    const auto image = stickImage("stick.img", "1234ABCD");
+    const auto mirror = library / "ORGAN - 1234ABCD";
+    const Files first = {{"SUPSET01.LPG", organFiles().at("SUPSET01.LPG")},
+                         {"SONG.MP3", organFiles().at("SONG.MP3")}};
+    struct Case {
+        Files change;  // written on the stick before the scan
+        std::vector<std::string> mirrorNames;
+        std::string status;
+    };
+    const Case cases[] = {
+        {first, {"Piano.LPG", "SONG.MP3"}, ""},
+        {{},
+         {"Piano.LPG", "SONG.MP3"},
+         "Auto Backup: 0 new or changed files added to ORGAN - 1234ABCD"},
+        {{{"SUPSET01.LPG", organFiles().at("SUPSET02.LPG") + "x"}, {"TUNE.MID", "midi"}},
+         {"Piano (1).LPG", "Piano.LPG", "SONG.MP3", "TUNE.MID"},
+         "Auto Backup: 2 new or changed files added to ORGAN - 1234ABCD"},
+    };
+    for (const auto& c : cases) {
+        auto stick = plug(image);
+        stick->scan();
+        put(stick->tavrin(), c.change);
+        stick->scan(true);
+        std::vector<std::string> names;
+        for (const auto& [name, bytes] : contents(mirror)) names.push_back(name);
+        EXPECT_EQ(names, c.mirrorNames);
+        if (!c.status.empty()) EXPECT_EQ(stick->ui.status[StatusPanel::Second], c.status);
+    }
+}
+
+}  // namespace
+}  // namespace tvk
