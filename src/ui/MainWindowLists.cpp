@@ -12,6 +12,7 @@
 #include "library/CategoryViews.h"
 #include "library/CompareFiles.h"
 #include "library/Selection.h"
+#include "library/SortFiles.h"
 #include "library/TransferCommands.h"
 #include "organfiles/OrganFile.h"
 #include "organfiles/OrganNames.h"
@@ -82,8 +83,13 @@ void MainWindow::connectSignals() {
             refreshAll();
         });
     });
-    connect(btnSort_, &QPushButton::clicked, this,
-            [this] { command([&] { notAvailable(btnSort_->text()); }); });
+    connect(btnSort_, &QPushButton::clicked, this, [this] {
+        command([&] {
+            auto ctx = context();
+            btnSort_Click(ctx);
+            refreshAll();
+        });
+    });
     connect(btnCompare_, &QPushButton::clicked, this, [this] {
         command([&] {
             auto ctx = context();
