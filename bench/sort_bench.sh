@@ -10,13 +10,11 @@
 #   RUNS=5 bench/sort_bench.sh     # best of 5 instead of 3
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source bench/bench_lib.sh
 
 build=${TVK_BENCH_BUILD:-build-bench-sort}
 runs=${RUNS:-3}
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTVK_BUILD_GUI=OFF \
-    -DTVK_BUILD_TESTS=OFF -DTVK_BUILD_BENCH=OFF >/dev/null
-ninja -C "$build" tvk >/dev/null
-tvk="$PWD/$build/src/tvk"
+build_tvk "$build"
 
 work=$(mktemp -d)
 mnt="$work/mnt"
