@@ -219,7 +219,7 @@ TEST_F(RenameTest, NameAnswersAreCheckedBeforeAnythingChanges) {
     // The inside name is Windows-1252, one byte a character.
     tree.write("lib/Waltz.SPG", organBytes(Series::A));
     rename("flbDocs", "Waltz.SPG", {"Caf\xC3\xA9"});
-    EXPECT_EQ(readFileHead(folder / "Caf\xC3\xA9.SPG", 48).substr(32), "Caf\xE9           #");
+    EXPECT_EQ(readFileHead(folder / pathFromUtf8("Caf\xC3\xA9.SPG"), 48).substr(32), "Caf\xE9           #");
 }
 
 TEST_F(RenameTest, RefusedNamesAndUnwritablePresetsLeaveTheFileAsItWas) {
@@ -253,6 +253,8 @@ TEST_F(RenameTest, RefusedNamesAndUnwritablePresetsLeaveTheFileAsItWas) {
         ASSERT_EQ(ui.shown.size(), 1u);
         EXPECT_NE(ui.shown.front().text.find(std::to_string(c.error)), std::string::npos)
             << toDisplayLines(ui.shown.front().text);
+        // Windows will not remove a read-only file.
+        fs::permissions(file, fs::perms::owner_write, fs::perm_options::add);
         fs::remove(file);
     }
     EXPECT_EQ(tree.list("lib"), std::vector<std::string>{"sub"});
