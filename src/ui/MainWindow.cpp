@@ -141,15 +141,6 @@ void MainWindow::applyEnabled() {
     for (const char* item : kSeriesMenuItems) actions_.at(item)->setVisible(visible == item);
 }
 
-void MainWindow::notAvailable(const QString& caption) {
-    QString plain = caption;
-    plain.remove('&');
-    ui().message(Message{"NOT AVAILABLE YET",
-                         "\"" + us(plain) + "\" is not available in this version yet." +
-                             std::string(kBlankLine) + "Nothing was changed.",
-                         Buttons::Ok, Icon::Information, 1});
-}
-
 // --- Redrawing from MainState ---------------------------------------------------------
 
 void MainWindow::refreshAll() {

@@ -104,7 +104,6 @@ class MainWindow : public QMainWindow {
     void refreshDocs();
     void refreshUsb();
     void refreshPanels();
-    void notAvailable(const QString& caption);
     void playFile(const std::filesystem::path& file);
 
     WidgetInteraction interaction_{this};
