@@ -16,9 +16,12 @@ class InputFile {
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
+    // The file's size; a device's (a stick read as a whole) is its medium's.
     std::uintmax_t size() const;
     // Reads up to `count` bytes; returns how many were read, 0 at the end of the file.
     std::size_t read(char* buffer, std::size_t count);
+    // As read, from `offset`; the sequential position is left alone where the platform can.
+    std::size_t readAt(std::uint64_t offset, char* buffer, std::size_t count);
 
   private:
     friend class OutputFile;

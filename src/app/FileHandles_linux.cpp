@@ -50,12 +50,26 @@ InputFile::~InputFile() {
 std::uintmax_t InputFile::size() const {
     struct stat st {};
     if (::fstat(static_cast<int>(handle_), &st) != 0) fail(errno, path_);
-    return static_cast<std::uintmax_t>(st.st_size);
+    if (!S_ISBLK(st.st_mode)) return static_cast<std::uintmax_t>(st.st_size);
+    // A block device reports no size of its own; its end is its medium's.
+    const off_t end = ::lseek(static_cast<int>(handle_), 0, SEEK_END);
+    if (end < 0) fail(errno, path_);
+    ::lseek(static_cast<int>(handle_), 0, SEEK_SET);
+    return static_cast<std::uintmax_t>(end);
 }
 
 std::size_t InputFile::read(char* buffer, std::size_t count) {
     for (;;) {
         const ssize_t n = ::read(static_cast<int>(handle_), buffer, count);
+        if (n >= 0) return static_cast<std::size_t>(n);
+        if (errno != EINTR) fail(errno, path_);
+    }
+}
+
+std::size_t InputFile::readAt(std::uint64_t offset, char* buffer, std::size_t count) {
+    for (;;) {
+        const ssize_t n =
+            ::pread(static_cast<int>(handle_), buffer, count, static_cast<off_t>(offset));
         if (n >= 0) return static_cast<std::size_t>(n);
         if (errno != EINTR) fail(errno, path_);
     }
@@ -104,8 +118,8 @@ void OutputFile::copyTimesFrom(const InputFile& source) {
                                 {static_cast<time_t>(t[2]), static_cast<long>(t[3])}};
     if (monthOneTooHigh(source.path_)) {
         // Keep the date the source's entry holds, not the one its driver reports.
-        const FileTime entry = entryTime(
-            source.path_, std::chrono::system_clock::from_time_t(times[1].tv_sec));
+        const FileTime entry =
+            entryTime(source.path_, std::chrono::system_clock::from_time_t(times[1].tv_sec));
         times[1].tv_sec = std::chrono::system_clock::to_time_t(entry);
     }
     // Not every file system keeps times; the copy is good without them.

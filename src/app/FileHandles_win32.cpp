@@ -49,6 +49,20 @@ std::size_t InputFile::read(char* buffer, std::size_t count) {
     return got;
 }
 
+std::size_t InputFile::readAt(std::uint64_t offset, char* buffer, std::size_t count) {
+    OVERLAPPED at{};
+    at.Offset = static_cast<DWORD>(offset);
+    at.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    DWORD got = 0;
+    const DWORD want = count > 0x40000000 ? 0x40000000 : static_cast<DWORD>(count);
+    if (!ReadFile(asHandle(handle_), buffer, want, &got, &at)) {
+        const DWORD code = GetLastError();
+        if (code == ERROR_HANDLE_EOF) return 0;
+        fail(code, path_);
+    }
+    return got;
+}
+
 OutputFile::OutputFile(const std::filesystem::path& file) : path_(file) {
     const HANDLE h = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                  FILE_ATTRIBUTE_NORMAL, nullptr);

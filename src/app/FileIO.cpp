@@ -1,5 +1,6 @@
 #include "app/FileIO.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <optional>
@@ -21,6 +22,27 @@ constexpr std::string_view kTempSuffix = ".part";
 void removeQuietly(const std::filesystem::path& file) {
     std::error_code ignored;
     std::filesystem::remove(file, ignored);
+}
+
+// `count` bytes, gathered by `readSome(buffer, wanted, gotSoFar)` until it returns 0 at
+// the end of the file.
+template <typename ReadSome>
+std::string readFilling(std::size_t count, ReadSome readSome) {
+    std::string bytes(count, '\0');
+    std::size_t got = 0;
+    while (got < count) {
+        const std::size_t n = readSome(bytes.data() + got, count - got, got);
+        if (n == 0) break;
+        got += n;
+    }
+    bytes.resize(got);
+    return bytes;
+}
+
+// Up to `count` bytes from where `in` stands: fewer only at the end of the file.
+std::string readUpTo(detail::InputFile& in, std::size_t count) {
+    return readFilling(
+        count, [&](char* buffer, std::size_t n, std::size_t) { return in.read(buffer, n); });
 }
 
 // Runs `write` on a new temporary file beside `file`, then `publish`es it. The temporary
@@ -48,15 +70,7 @@ std::string readWholeFile(const std::filesystem::path& file, std::uintmax_t limi
     detail::InputFile in(file);
     const std::uintmax_t size = in.size();
     if (size > limit) throw RuntimeError(kErrOutOfMemory, pathToUtf8(file));
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    std::size_t got = 0;
-    while (got < bytes.size()) {
-        const std::size_t n = in.read(bytes.data() + got, bytes.size() - got);
-        if (n == 0) break;  // shrank while we read
-        got += n;
-    }
-    bytes.resize(got);
-    return bytes;
+    return readUpTo(in, static_cast<std::size_t>(size));  // less when it shrank meanwhile
 }
 
 std::string readTextFileOrEmpty(const std::filesystem::path& file, std::size_t limit) {
@@ -69,15 +83,20 @@ std::string readTextFileOrEmpty(const std::filesystem::path& file, std::size_t l
 
 std::string readFileHead(const std::filesystem::path& file, std::size_t count) {
     detail::InputFile in(file);
-    std::string bytes(count, '\0');
-    std::size_t got = 0;
-    while (got < count) {
-        const std::size_t n = in.read(bytes.data() + got, count - got);
-        if (n == 0) break;
-        got += n;
-    }
-    bytes.resize(got);
-    return bytes;
+    return readUpTo(in, count);
+}
+
+FileReader::FileReader(const std::filesystem::path& file)
+    : in_(std::make_unique<detail::InputFile>(file)), size_(in_->size()) {}
+
+FileReader::~FileReader() = default;
+
+std::string FileReader::readAt(std::uint64_t position, std::size_t count) {
+    if (position >= size_) return {};
+    count = static_cast<std::size_t>(std::min<std::uintmax_t>(count, size_ - position));
+    return readFilling(count, [&](char* buffer, std::size_t n, std::size_t got) {
+        return in_->readAt(position + got, buffer, n);
+    });
 }
 
 namespace {
@@ -161,14 +180,8 @@ std::string copyFileNamed(const std::filesystem::path& source, const std::filesy
                           const NameForContents& nameFor, const CopyProgress& progress) {
     detail::InputFile in(source);
     const std::uintmax_t total = in.size();
-    std::string head(static_cast<std::size_t>(std::min<std::uintmax_t>(total, kCopyChunk)), '\0');
-    std::size_t got = 0;
-    while (got < head.size()) {
-        const std::size_t n = in.read(head.data() + got, head.size() - got);
-        if (n == 0) break;
-        got += n;
-    }
-    head.resize(got);
+    const std::string head =
+        readUpTo(in, static_cast<std::size_t>(std::min<std::uintmax_t>(total, kCopyChunk)));
     std::string name = nameFor(head);
     copyOpened(in, source, head, total, folder / pathFromUtf8(name), progress);
     return name;

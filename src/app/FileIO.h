@@ -8,10 +8,15 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace tvk {
+
+namespace detail {
+class InputFile;
+}
 
 // The whole file. A file larger than `limit` bytes is refused as out of memory (7),
 // so a size read from outside never drives an allocation on its own.
@@ -26,6 +31,25 @@ std::string readFileHead(const std::filesystem::path& file, std::size_t count);
 // the files whose absence only means "nothing said".
 std::string readTextFileOrEmpty(const std::filesystem::path& file,
                                 std::size_t limit = std::size_t(4) << 20);
+
+// A file held open for reads at chosen positions: an MP3 searched a block at a time, a
+// volume's boot sector and tables, an organ file's header read until its line ends.
+class FileReader {
+  public:
+    explicit FileReader(const std::filesystem::path& file);
+    ~FileReader();
+    FileReader(const FileReader&) = delete;
+    FileReader& operator=(const FileReader&) = delete;
+
+    // The size as the file was opened; a device's is its medium's.
+    std::uintmax_t size() const { return size_; }
+    // Up to `count` bytes from `position`: fewer at the end of the file, none past it.
+    std::string readAt(std::uint64_t position, std::size_t count);
+
+  private:
+    std::unique_ptr<detail::InputFile> in_;
+    std::uintmax_t size_;
+};
 
 // Writes `bytes` as the new contents of `file` (made or replaced). The old contents stay
 // in place until the new ones are complete and flushed.

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
-#include <fstream>
 
+#include "app/FileIO.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 
@@ -259,22 +258,15 @@ std::optional<VolumeProbe> probeVolume(const SectorReader& read) {
 }
 
 std::optional<VolumeProbe> probeVolume(const std::filesystem::path& deviceOrImage) {
-    std::ifstream in(deviceOrImage, std::ios::binary);
-    if (!in) throw RuntimeError::fromErrno(errno, pathToUtf8(deviceOrImage));
-    in.seekg(0, std::ios::end);
-    const auto end = in.tellg();
-    const std::uint64_t length = end > 0 ? static_cast<std::uint64_t>(end) : 0;
+    FileReader in(deviceOrImage);
     return probeVolume([&](std::uint64_t offset, std::size_t size) {
-        // A size read from the boot sector never asks for more than the medium holds.
-        if (offset >= length) return std::string();
-        size = static_cast<std::size_t>(std::min<std::uint64_t>(size, length - offset));
-        std::string buffer(size, '\0');
-        in.clear();
-        in.seekg(static_cast<std::streamoff>(offset));
-        in.read(buffer.data(), static_cast<std::streamsize>(size));
-        if (in.bad()) throw RuntimeError(kErrDeviceIO, pathToUtf8(deviceOrImage));
-        buffer.resize(static_cast<std::size_t>(in.gcount()));
-        return buffer;
+        // A size read from the boot sector never reads past the medium (readAt stops at its
+        // end); a medium that fails a read is a device error whatever its driver says.
+        try {
+            return in.readAt(offset, size);
+        } catch (const RuntimeError&) {
+            throw RuntimeError(kErrDeviceIO, pathToUtf8(deviceOrImage));
+        }
     });
 }
 

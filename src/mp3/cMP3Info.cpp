@@ -2,9 +2,7 @@
 
 #include "app/FileIO.h"
 
-#include <cerrno>
 #include <cmath>
-#include <fstream>
 
 #include "app/Routine.h"
 #include "app/Text.h"
@@ -21,40 +19,18 @@ long wholeNumber(double value) {
     return static_cast<long>(std::nearbyint(value));
 }
 
-std::ifstream openBinary(const std::filesystem::path& file) {
-    errno = 0;
-    std::ifstream in(file, std::ios::binary);
-    if (!in) {
-        std::error_code ec;
-        if (errno == 0 || !std::filesystem::exists(file, ec))
-            throw RuntimeError(kErrFileNotFound, pathToUtf8(file));
-        throw RuntimeError::fromErrno(errno, pathToUtf8(file));
-    }
-    return in;
-}
-
-std::string readAt(std::ifstream& in, std::uint64_t position, std::size_t count) {
-    std::string bytes(count, '\0');
-    in.clear();
-    in.seekg(static_cast<std::streamoff>(position));
-    const std::streamsize got =
-        in.rdbuf()->sgetn(bytes.data(), static_cast<std::streamsize>(count));
-    bytes.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
-    return bytes;
-}
-
 const unsigned char* bytesOf(std::string_view s, std::size_t at = 0) {
     return reinterpret_cast<const unsigned char*>(s.data()) + at;
 }
 
 // The first qualifying header at or after `start`, searched a block at a time; blocks
 // overlap by three bytes so no header is split.
-bool findHeader(std::ifstream& in, std::uint64_t start, std::uint64_t length,
-                mp3::FrameFields& fields, std::uint64_t& found) {
+bool findHeader(FileReader& in, std::uint64_t start, std::uint64_t length, mp3::FrameFields& fields,
+                std::uint64_t& found) {
     for (std::uint64_t pos = start; pos + 4 <= length;) {
         const auto want =
             static_cast<std::size_t>(std::min<std::uint64_t>(kSearchBlock + 3, length - pos));
-        const std::string block = readAt(in, pos, want);
+        const std::string block = in.readAt(pos, want);
         if (block.size() < 4) return false;
         for (std::size_t i = 0; i + 4 <= block.size(); ++i) {
             if (mp3::decodeHeader(bytesOf(block, i), fields)) {
@@ -104,18 +80,18 @@ void cMP3Info::ReadMp3() {
         ClearInfo();
         r.step("Read " + pathToUtf8(file_), [&] {
             ClearInfo();
-            std::ifstream in = openBinary(file_);
-            const std::uint64_t length = std::filesystem::file_size(file_);
-            const std::string first10 = readAt(in, 0, 10);
+            FileReader in(file_);
+            const std::uint64_t length = in.size();
+            const std::string first10 = in.readAt(0, 10);
             const std::uint64_t start = mp3::id3v2End(first10).value_or(0);
             std::uint64_t at = 0;
             mp3::FrameFields fields;
-            const bool v1Tag = length >= kV1TagSize && readAt(in, length - kV1TagSize, 3) == "TAG";
+            const bool v1Tag = length >= kV1TagSize && in.readAt(length - kV1TagSize, 3) == "TAG";
             fileSize_ = v1Tag ? length - kV1TagSize : length;
             if (!findHeader(in, start, length, fields, at)) return;
             f_ = fields;
             headerOffset_ = at;
-            const std::string frame = readAt(in, at, mp3::xingOffset(fields) + mp3::kXingBlock);
+            const std::string frame = in.readAt(at, mp3::xingOffset(fields) + mp3::kXingBlock);
             derive(length, v1Tag, mp3::readXing(frame, fields), false);
         });
     });
@@ -201,9 +177,8 @@ std::string cMP3Info::ReadFileBinary(const std::filesystem::path& file) {
     std::string bytes;
     routine(*ctx_, "cMP3Info.ReadFileBinary", [&](Routine& r) {
         r.step("Read " + pathToUtf8(file), [&] {
-            std::ifstream in = openBinary(file);
-            const auto length = std::filesystem::file_size(file);
-            bytes = readAt(in, 0, static_cast<std::size_t>(length));
+            FileReader in(file);
+            bytes = in.readAt(0, static_cast<std::size_t>(in.size()));
         });
     });
     return bytes;
@@ -239,11 +214,11 @@ bool cMP3Info::RemovePreHeader() {
     routine(*ctx_, "cMP3Info.RemovePreHeader", [&](Routine& r) {
         if (!valid_ || headerOffset_ == 0) return;
         r.step("Remove the bytes before the first frame of " + pathToUtf8(file_), [&] {
-            std::ifstream in = openBinary(file_);
-            const auto length = std::filesystem::file_size(file_);
-            const std::string rest =
-                readAt(in, headerOffset_, static_cast<std::size_t>(length - headerOffset_));
-            in.close();
+            std::string rest;
+            {
+                FileReader in(file_);  // closed before the file is replaced (Windows)
+                rest = in.readAt(headerOffset_, static_cast<std::size_t>(in.size()));
+            }
             writeFileReplacing(file_, rest);
             removed = true;
         });
@@ -256,10 +231,12 @@ bool cMP3Info::RemoveV1Tag() {
     bool removed = false;
     routine(*ctx_, "cMP3Info.RemoveV1Tag", [&](Routine& r) {
         r.step("Remove the ID3v1 tag of " + pathToUtf8(file_), [&] {
-            std::ifstream in = openBinary(file_);
-            const auto length = std::filesystem::file_size(file_);
-            if (length < kV1TagSize || readAt(in, length - kV1TagSize, 3) != "TAG") return;
-            in.close();
+            std::uint64_t length = 0;
+            {
+                FileReader in(file_);  // closed before the file is cut (Windows)
+                length = in.size();
+                if (length < kV1TagSize || in.readAt(length - kV1TagSize, 3) != "TAG") return;
+            }
             std::filesystem::resize_file(file_, length - kV1TagSize);
             removed = true;
         });

@@ -1,11 +1,8 @@
 #include "organfiles/OrganFile.h"
 
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 #include "app/RuntimeError.h"
 #include "app/Text.h"
@@ -15,23 +12,8 @@ namespace tvk {
 
 namespace {
 
-constexpr std::streamsize kFirstBlock = 512;
-constexpr std::streamsize kMoreBlock = 16384;
-
-std::ifstream openForReading(const std::filesystem::path& file) {
-    errno = 0;
-    std::ifstream in(file, std::ios::binary);
-    if (!in) {
-        const int err = errno;
-        std::error_code ec;
-        if (err == 0 || !std::filesystem::exists(file, ec))
-            throw RuntimeError(kErrFileNotFound, pathToUtf8(file));
-        if (std::filesystem::is_directory(file, ec))
-            throw RuntimeError(kErrPathFileAccess, pathToUtf8(file));
-        throw RuntimeError::fromErrno(err, pathToUtf8(file));
-    }
-    return in;
-}
+constexpr std::size_t kFirstBlock = 512;
+constexpr std::size_t kMoreBlock = 16384;
 
 // The runtime's Str of a single: seven significant digits, no leading zero before
 // the point ("0.5" is ".5").
@@ -64,21 +46,16 @@ bool familyOf(std::string_view letter, Family& out) {
 }  // namespace
 
 std::string readFirstLine(const std::filesystem::path& file) {
-    std::ifstream in = openForReading(file);
-    std::string bytes(kFirstBlock, '\0');
-    std::streamsize got = in.rdbuf()->sgetn(bytes.data(), kFirstBlock);
-    bytes.resize(static_cast<std::size_t>(got));
+    FileReader in(file);
+    std::string bytes = in.readAt(0, kFirstBlock);
     if (bytes.empty()) throw RuntimeError(kErrInputPastEndOfFile, pathToUtf8(file));
-    std::size_t searched = 0;
-    for (;;) {
+    for (std::size_t searched = 0;;) {
         const std::size_t end = bytes.find_first_of("\r\n", searched);
         if (end != std::string::npos) return bytes.substr(0, end);
         searched = bytes.size();
-        const std::size_t before = bytes.size();
-        bytes.resize(before + kMoreBlock);
-        got = in.rdbuf()->sgetn(bytes.data() + before, kMoreBlock);
-        bytes.resize(before + static_cast<std::size_t>(got));
-        if (got <= 0) return bytes;
+        const std::string more = in.readAt(bytes.size(), kMoreBlock);
+        if (more.empty()) return bytes;
+        bytes += more;
     }
 }
 
