@@ -58,30 +58,6 @@ std::string freeSuffixName(const FolderNames& folder, const std::string& wanted,
     return candidate;
 }
 
-std::optional<Series> seriesFromLetter(std::string_view letter) {
-    if (letter == "S") return Series::SU;
-    if (letter == "A") return Series::A;
-    if (letter == "E") return Series::E;
-    return std::nullopt;
-}
-
-std::string organPrefix(Series family, bool song) {
-    return std::string(family == Series::SU ? "SU" : seriesCode(family)) + (song ? "SONG" : "PSET");
-}
-
-int organNumberWidth(Series family) {
-    return family == Series::SU ? 2 : 3;
-}
-
-std::string seriesExtension(Series family, bool song) {
-    return std::string(".") + seriesCode(family)[0] + (song ? "MR" : "PG");
-}
-
-std::string stickExtension(Series family, bool song) {
-    if (family == Series::E) return seriesExtension(family, song);
-    return song ? ".LMR" : ".LPG";
-}
-
 namespace {
 
 std::string legalName(std::string name, const std::filesystem::path& file) {

@@ -54,18 +54,6 @@ std::string freeOrganNumberName(const FolderNames& folder, std::string_view pref
 std::string freeSuffixName(const FolderNames& folder, const std::string& wanted,
                            const NameParts& parts, int& counter, int& duplicates);
 
-// "S", "A" and "E" name the three families; any other letter none.
-std::optional<Series> seriesFromLetter(std::string_view letter);
-// "SUPSET", "APSET", "EPSET" for presets, "SUSONG", "ASONG", "ESONG" for songs.
-std::string organPrefix(Series family, bool song);
-// The width mask of the family's numbers: 2 for SU, 3 for A and E.
-int organNumberWidth(Series family);
-// The family's own extension in the library: ".SPG", ".APG", ".EPG" (".SMR", ...).
-std::string seriesExtension(Series family, bool song);
-// The extension of its numbered files on the stick: the shared ".LPG" and ".LMR" for SU
-// and A, the family's own ".EPG" and ".EMR" for E.
-std::string stickExtension(Series family, bool song);
-
 // The name a preset or recording gets in the library: the name inside it (GetPresetName)
 // made legal by CheckName. A file whose inside name is empty or blank keeps its own name
 // without the extension. A name the file system cannot hold (control characters) is a

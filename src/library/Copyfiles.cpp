@@ -207,11 +207,14 @@ class CopyRun {
 
     Target toLibrary(const std::string& name, const NameInfo& info) {
         const std::string ext = extensionOf(name);
-        if (ext == "EPG" || ext == "EMR") return readable(Series::E, ext == "EMR");
+        const bool song = info.kind == FileKind::Recording;
+        // The stick's own E files are named by their extension; SU and A files share
+        // the generic ones and are named by their prefix.
+        if (seriesOfExtension(ext) == Series::E) return readable(Series::E, song);
         if (!isGenericExtension(ext)) return sameName(name);
         const auto family = seriesFromLetter(info.seriesLetter);
         if (!family || *family == Series::E) return {};
-        return readable(*family, ext == "LMR");
+        return readable(*family, song);
     }
 
     Target betweenFolders(const std::string& name, const NameInfo& info) {

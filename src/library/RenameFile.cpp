@@ -62,19 +62,22 @@ Plan namePlan(Flow flow, std::size_t limit, std::string prompt) {
 }
 
 Plan computerPlan(std::string_view name) {
-    const std::string ext = toUpperAscii(extensionFromFirstDot(name));
-    const std::string prefix = toUpperAscii(utf8Left(name, 5));
-    const bool firstS = !name.empty() && name.front() == 'S';
-    const Plan insideName = namePlan(Flow::InsideName, kInsideNameWidth, "Enter a new NAME for ");
-    if (ext == ".SPG" || ext == ".APG" || ext == ".SMR" || ext == ".AMR") return insideName;
-    if (ext == ".EPG")
-        return prefix == "EPSET" ? numberPlan(Series::E, FileKind::Preset, true) : insideName;
-    if (ext == ".EMR")
-        return prefix == "ESONG" ? numberPlan(Series::E, FileKind::Recording, true) : insideName;
-    if (ext == ".LPG") return numberPlan(firstS ? Series::SU : Series::A, FileKind::Preset, true);
-    if (ext == ".LMR")
-        return numberPlan(firstS ? Series::SU : Series::A, FileKind::Recording, true);
-    return namePlan(Flow::FileName, 18, "Enter a new FILE NAME (18 Characters MAX) for ");
+    // Everything after the first dot is the extension here, so "a.b.spg" is no organ file.
+    const std::string dotted = toUpperAscii(extensionFromFirstDot(name));
+    const std::string ext = dotted.size() == 4 ? dotted.substr(1) : std::string();
+    const FileKind kind = ext.empty() ? FileKind::Other : fileKind(ext);
+    if (kind != FileKind::Preset && kind != FileKind::Recording)
+        return namePlan(Flow::FileName, 18, "Enter a new FILE NAME (18 Characters MAX) for ");
+    const bool song = kind == FileKind::Recording;
+    if (isGenericExtension(ext)) {
+        const bool firstS = !name.empty() && name.front() == 'S';
+        return numberPlan(firstS ? Series::SU : Series::A, kind, true);
+    }
+    // E files are numbered only under their own prefix; other names are inside names.
+    if (seriesOfExtension(ext) == Series::E &&
+        toUpperAscii(utf8Left(name, 5)) == organPrefix(Series::E, song))
+        return numberPlan(Series::E, kind, true);
+    return namePlan(Flow::InsideName, kInsideNameWidth, "Enter a new NAME for ");
 }
 
 Plan stickPlan(std::string_view name) {

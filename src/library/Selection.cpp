@@ -103,7 +103,8 @@ DoubleClickAction doubleClickAction(ListControl list, const std::string& name) {
     if (kind != FileKind::Preset && kind != FileKind::Recording) return DoubleClickAction::None;
     // The thumbdrive only holds the organ's own kinds, so fewer extensions open there; on
     // the computer an A-series recording has never opened, and still does not.
-    const bool opens = list == ListControl::flbUSB ? isStickOrganExtension(ext) : ext != "AMR";
+    const bool aRecording = kind == FileKind::Recording && seriesOfExtension(ext) == Series::A;
+    const bool opens = list == ListControl::flbUSB ? isStickOrganExtension(ext) : !aRecording;
     return opens ? DoubleClickAction::View : DoubleClickAction::None;
 }
 

@@ -37,17 +37,12 @@ struct Planned {
 // The family of a library file: its extension's letter, or for the shared "LPG" and
 // "LMR" the format version inside (2 SU, 3 A, 4 E).
 std::optional<Series> familyOf(const std::filesystem::path& file, const std::string& extension) {
-    if (extension != "LPG" && extension != "LMR") return seriesFromLetter(extension.substr(0, 1));
-    std::string version;
+    if (!isGenericExtension(extension)) return seriesOfExtension(extension);
     try {
-        version = versionFromLine(readFirstLine(file));
+        return seriesOfVersion(versionFromLine(readFirstLine(file)));
     } catch (const RuntimeError&) {
         return std::nullopt;  // no header to tell: the file keeps its own name
     }
-    if (version == "2") return Series::SU;
-    if (version == "3") return Series::A;
-    if (version == "4") return Series::E;
-    return std::nullopt;
 }
 
 // The organ number after the last "_#" of the name, if any.
@@ -96,8 +91,7 @@ class RestorePlan {
 
   private:
     std::string organName(Series family, bool song, int number) const {
-        return organPrefix(family, song) + zeroPad(number, organNumberWidth(family)) +
-               stickExtension(family, song);
+        return organFileName(family, song ? FileKind::Recording : FileKind::Preset, number);
     }
     int freeNumber(Series family, bool song, int from) const {
         int n = from;

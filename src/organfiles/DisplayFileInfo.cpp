@@ -70,18 +70,18 @@ std::string DisplayFileInfo(Context& ctx, const std::filesystem::path& file) {
             size = std::filesystem::file_size(file);
             modified = modifiedText(file);
         });
-        const std::string kind = utf8ToUpper(utf8Right(fileName, 2));
+        const FileKind kind = kindByEnding(fileName);
         std::vector<std::string> lines;
-        if (kind == "PG" || kind == "MR") {
+        if (kind == FileKind::Preset || kind == FileKind::Recording) {
             // A picture or a damaged preset has no organ header: say so rather than
             // raise the error box for a click.
             lines.push_back("File Version: " + (hasOrganHeader(file) ? GetFileVersion(ctx, file)
                                                                      : std::string(kNoHeader)));
-            lines.push_back((kind == "PG" ? "Preset Name: " : "Song Name: ") +
+            lines.push_back((kind == FileKind::Preset ? "Preset Name: " : "Song Name: ") +
                             GetPresetName(ctx, file));
             lines.push_back("Modified: " + modified);
             lines.push_back("File Size: " + kilobytesText(size));
-        } else if (kind == "P3") {
+        } else if (utf8ToUpper(utf8Right(fileName, 2)) == "P3") {
             cMP3Info mp3(ctx);
             mp3.LetFilename(file);
             lines.push_back("Modified: " + modified);

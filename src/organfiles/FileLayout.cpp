@@ -1,7 +1,8 @@
 #include "organfiles/FileLayout.h"
 
 #include <algorithm>
-#include <array>
+#include <string>
+#include <vector>
 
 #include "app/PlainFiles.h"
 #include "app/Routine.h"
@@ -12,7 +13,7 @@ namespace tvk {
 
 namespace {
 
-using Extensions = std::array<const char*, 3>;
+using Extensions = std::vector<std::string>;
 
 std::optional<std::vector<std::string>> readNames(Context& ctx, const char* routineName,
                                                   const char* what, const Extensions& extensions,
@@ -22,8 +23,8 @@ std::optional<std::vector<std::string>> readNames(Context& ctx, const char* rout
         r.step(std::string("List the ") + what + " files of " + pathToUtf8(folder), [&] {
             list.clear();
             const std::vector<std::string> names = listPlainFiles(folder, "*");
-            for (const char* ext : extensions) {
-                const std::string pattern = std::string("*.") + ext;
+            for (const std::string& ext : extensions) {
+                const std::string pattern = "*." + ext;
                 for (const auto& name : names) {
                     if (!matchesWildcard(name, pattern)) continue;
                     if (list.size() == kNameListEntries)
@@ -79,13 +80,14 @@ std::int32_t CalcAddress(Context& ctx, std::string_view family, std::string_view
 
 std::optional<std::vector<std::string>> ReadPresetNames(Context& ctx,
                                                         const std::filesystem::path& folder) {
-    return readNames(ctx, "frmMain.ReadPresetNames", "preset", {"SPG", "APG", "EPG"}, folder);
+    return readNames(ctx, "frmMain.ReadPresetNames", "preset", familyExtensions(FileKind::Preset),
+                     folder);
 }
 
 std::optional<std::vector<std::string>> ReadRecordingsNames(Context& ctx,
                                                             const std::filesystem::path& folder) {
-    return readNames(ctx, "frmMain.ReadRecordingsNames", "recording", {"SMR", "AMR", "EMR"},
-                     folder);
+    return readNames(ctx, "frmMain.ReadRecordingsNames", "recording",
+                     familyExtensions(FileKind::Recording), folder);
 }
 
 }  // namespace tvk

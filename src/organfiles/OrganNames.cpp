@@ -21,17 +21,31 @@ std::string midChars(std::string_view text, std::size_t start, std::size_t count
     return utf8Left(tail, count);
 }
 
-std::optional<Series> seriesOfOwnExtension(std::string_view ext) {
-    if (ext == "SPG" || ext == "SMR") return Series::SU;
-    if (ext == "APG" || ext == "AMR") return Series::A;
-    if (ext == "EPG" || ext == "EMR") return Series::E;
-    return std::nullopt;
+// The names each family's files carry. The stick's numbered SU and A files share the
+// generic extensions instead (stickExtension).
+struct FamilyNames {
+    Series family;
+    const char* letter;
+    const char* presetExtension;
+    const char* recordingExtension;
+    const char* presetPrefix;
+    const char* songPrefix;
+};
+constexpr FamilyNames kFamilies[] = {
+    {Series::SU, "S", "SPG", "SMR", "SUPSET", "SUSONG"},
+    {Series::A, "A", "APG", "AMR", "APSET", "ASONG"},
+    {Series::E, "E", "EPG", "EMR", "EPSET", "ESONG"},
+};
+
+const FamilyNames* namesOf(Series family) {
+    for (const auto& f : kFamilies)
+        if (f.family == family) return &f;
+    return nullptr;
 }
 
 std::optional<Series> seriesOfPrefix(std::string_view name) {
-    if (startsWith(name, "SUPSET") || startsWith(name, "SUSONG")) return Series::SU;
-    if (startsWith(name, "APSET") || startsWith(name, "ASONG")) return Series::A;
-    if (startsWith(name, "EPSET") || startsWith(name, "ESONG")) return Series::E;
+    for (const auto& f : kFamilies)
+        if (startsWith(name, f.presetPrefix) || startsWith(name, f.songPrefix)) return f.family;
     return std::nullopt;
 }
 
@@ -116,11 +130,39 @@ bool isStickOrganExtension(std::string_view upperExtension) {
     return isGenericExtension(upperExtension) || upperExtension == "EPG" || upperExtension == "EMR";
 }
 
+std::optional<Series> seriesOfExtension(std::string_view upperExtension) {
+    for (const auto& f : kFamilies)
+        if (upperExtension == f.presetExtension || upperExtension == f.recordingExtension)
+            return f.family;
+    return std::nullopt;
+}
+
+std::vector<std::string> familyExtensions(FileKind kind) {
+    std::vector<std::string> extensions;
+    for (const auto& f : kFamilies)
+        extensions.emplace_back(kind == FileKind::Recording ? f.recordingExtension
+                                                            : f.presetExtension);
+    return extensions;
+}
+
 std::optional<Series> seriesOf(std::string_view name) {
     const std::string ext = extensionOf(name);
-    if (const auto own = seriesOfOwnExtension(ext)) return own;
+    if (const auto own = seriesOfExtension(ext)) return own;
     if (isGenericExtension(ext)) return seriesOfPrefix(name);
     return std::nullopt;
+}
+
+std::optional<Series> seriesFromLetter(std::string_view letter) {
+    for (const auto& f : kFamilies)
+        if (letter == f.letter) return f.family;
+    return std::nullopt;
+}
+
+FileKind kindByEnding(std::string_view name) {
+    const std::string ending = utf8ToUpper(utf8Right(name, 2));
+    if (ending == "PG") return FileKind::Preset;
+    if (ending == "MR") return FileKind::Recording;
+    return fileKind(name);
 }
 
 std::optional<Series> seriesOfVersion(std::string_view version) {
@@ -138,11 +180,13 @@ NameType nameType(std::string_view name) {
         matched = true;
     }
     // Runs after the PSET test and wins over it.
-    if (contains(name, "SUSONG") || contains(name, "ASONG") || contains(name, "ESONG")) {
-        type = NameType::SONG;
-        matched = true;
+    for (const auto& f : kFamilies) {
+        if (contains(name, f.songPrefix)) {
+            type = NameType::SONG;
+            matched = true;
+        }
     }
-    if (!matched) type = seriesOfOwnExtension(extensionOf(name)) ? NameType::NAME : NameType::OTHER;
+    if (!matched) type = seriesOfExtension(extensionOf(name)) ? NameType::NAME : NameType::OTHER;
     return type;
 }
 
@@ -209,25 +253,33 @@ NameInfo classifyName(std::string_view name) {
     return info;
 }
 
+std::string organPrefix(Series family, bool song) {
+    const FamilyNames* f = namesOf(family);
+    return f ? (song ? f->songPrefix : f->presetPrefix) : "";
+}
+
+int organNumberWidth(Series family) {
+    return family == Series::SU ? 2 : 3;
+}
+
+std::string seriesExtension(Series family, bool song) {
+    const FamilyNames* f = namesOf(family);
+    return f ? std::string(".") + (song ? f->recordingExtension : f->presetExtension) : "";
+}
+
+std::string stickExtension(Series family, bool song) {
+    if (family == Series::E) return seriesExtension(family, song);
+    return song ? ".LMR" : ".LPG";
+}
+
 std::string organFileName(Series family, FileKind kind, int number, int digits) {
     const bool preset = kind == FileKind::Preset;
-    if (!preset && kind != FileKind::Recording) return {};
-    const std::string digitsText = zeroPad(number, digits);
-    switch (family) {
-        case Series::SU:
-            return (preset ? "SUPSET" : "SUSONG") + digitsText + (preset ? ".LPG" : ".LMR");
-        case Series::A:
-            return (preset ? "APSET" : "ASONG") + digitsText + (preset ? ".LPG" : ".LMR");
-        case Series::E:
-            return (preset ? "EPSET" : "ESONG") + digitsText + (preset ? ".EPG" : ".EMR");
-        case Series::All:
-            break;
-    }
-    return {};
+    if ((!preset && kind != FileKind::Recording) || !namesOf(family)) return {};
+    return organPrefix(family, !preset) + zeroPad(number, digits) + stickExtension(family, !preset);
 }
 
 std::string organFileName(Series family, FileKind kind, int number) {
-    return organFileName(family, kind, number, family == Series::SU ? 2 : 3);
+    return organFileName(family, kind, number, organNumberWidth(family));
 }
 
 std::string sortedOrganFileName(Series family, FileKind kind, int number) {

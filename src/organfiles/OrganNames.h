@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "organfiles/Series.h"
 
@@ -33,6 +34,18 @@ bool isGenericExtension(std::string_view upperExtension);  // "LPG", "LMR"
 // generic ones. SU and A files on a stick count and open as other files.
 bool isStickOrganExtension(std::string_view upperExtension);
 
+// The family whose own extension this is: "SPG" and "SMR" SU, "APG"/"AMR" A, "EPG"/"EMR" E.
+std::optional<Series> seriesOfExtension(std::string_view upperExtension);
+// The families' own extensions of one kind, SU first: "SPG", "APG", "EPG" for presets,
+// "SMR", "AMR", "EMR" for recordings.
+std::vector<std::string> familyExtensions(FileKind kind);
+// "S", "A" and "E" name the three families; any other letter none.
+std::optional<Series> seriesFromLetter(std::string_view letter);
+// The kind the last two letters suggest ("PG" a preset, "MR" a recording), as the file
+// information, the icons and the search box have always judged it: a picture named
+// *.JPG passes for a preset there, and then shows that it has no organ header.
+FileKind kindByEnding(std::string_view name);
+
 // The family a file belongs to: from its own extension, or for the generic extensions
 // from its prefix. nullopt when neither tells (MYSET.LPG, NOTES.TXT).
 std::optional<Series> seriesOf(std::string_view name);
@@ -53,6 +66,16 @@ struct NameInfo {
     std::optional<int> number;  // PSET and SONG names of the S, A and E families only
 };
 NameInfo classifyName(std::string_view name);
+
+// "SUPSET", "APSET", "EPSET" for presets, "SUSONG", "ASONG", "ESONG" for songs.
+std::string organPrefix(Series family, bool song);
+// The width mask of the family's numbers: 2 for SU, 3 for A and E.
+int organNumberWidth(Series family);
+// The family's own extension in the library: ".SPG", ".APG", ".EPG" (".SMR", ...).
+std::string seriesExtension(Series family, bool song);
+// The extension of its numbered files on the stick: the shared ".LPG" and ".LMR" for SU
+// and A, the family's own ".EPG" and ".EMR" for E.
+std::string stickExtension(Series family, bool song);
 
 // Names of new organ files. The copy engine, transfers and the test-file generator use
 // two digits for SU and three for A and E; the rename command uses three for every

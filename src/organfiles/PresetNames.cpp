@@ -69,18 +69,11 @@ void putField(std::string& bytes, std::int32_t position, const std::string& fiel
 }  // namespace
 
 std::optional<Series> presetFamily(std::string_view fileName) {
+    if (fileKind(fileName) != FileKind::Preset) return std::nullopt;
     const std::string ext = extensionOf(fileName);
-    if (ext == "LPG") {
-        const char first = fileName.empty() ? '\0' : toUpperAscii(fileName.substr(0, 1))[0];
-        if (first == 'S') return Series::SU;
-        if (first == 'A') return Series::A;
-        if (first == 'E') return Series::E;
-        return std::nullopt;
-    }
-    if (ext == "SPG") return Series::SU;
-    if (ext == "APG") return Series::A;
-    if (ext == "EPG") return Series::E;
-    return std::nullopt;
+    // A generic preset's family is its first letter, whatever follows it.
+    if (isGenericExtension(ext)) return seriesFromLetter(toUpperAscii(fileName.substr(0, 1)));
+    return seriesOfExtension(ext);
 }
 
 std::vector<std::string> presetButtonCodes(Series family) {

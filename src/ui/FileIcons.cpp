@@ -6,6 +6,8 @@
 #include <QStyle>
 #include <map>
 
+#include "organfiles/OrganNames.h"
+
 namespace tvk::ui {
 
 namespace {
@@ -42,13 +44,19 @@ QIcon drawPage(QColor band, const QString& mark) {
 }  // namespace
 
 FileKindIcon iconKindFor(const QString& fileName) {
-    const QString ext = fileName.right(3).toUpper();
-    if (ext.endsWith("PG")) return FileKindIcon::Preset;
-    if (ext.endsWith("MR")) return FileKindIcon::Recording;
-    if (ext == "MP3") return FileKindIcon::Mp3;
-    if (ext == "MID") return FileKindIcon::Midi;
-    if (ext == "PDF") return FileKindIcon::Pdf;
-    return FileKindIcon::Other;
+    switch (kindByEnding(fileName.toStdString())) {
+        case FileKind::Preset:
+            return FileKindIcon::Preset;
+        case FileKind::Recording:
+            return FileKindIcon::Recording;
+        case FileKind::Mp3:
+            return FileKindIcon::Mp3;
+        case FileKind::Midi:
+            return FileKindIcon::Midi;
+        case FileKind::Other:
+            break;
+    }
+    return fileName.right(3).toUpper() == "PDF" ? FileKindIcon::Pdf : FileKindIcon::Other;
 }
 
 QIcon fileIcon(FileKindIcon kind) {
