@@ -57,91 +57,124 @@ Switches parseSwitches(const std::string& commandLine) {
     return s;
 }
 
-StartupOutcome FormLoad(Context& ctx) {
-    if (!ctx.system.isAdministrator()) {
-        refuse(ctx, nullptr,
-               Message{kProductName,
-                       "This program needs Administrator privilages." + kBl +
-                           "Right-click on the file or shortcut and select " + std::string(kCrLf) +
-                           kQ + "Run as administrator" + kQ,
-                       Buttons::Ok, Icon::Critical, 1});
-        return StartupOutcome::NotAdministrator;
-    }
+namespace {
 
+bool refuseWithoutAdministrator(Context& ctx) {
+    if (ctx.system.isAdministrator()) return false;
+    refuse(ctx, nullptr,
+           Message{kProductName,
+                   "This program needs Administrator privilages." + kBl +
+                       "Right-click on the file or shortcut and select " + std::string(kCrLf) + kQ +
+                       "Run as administrator" + kQ,
+                   Buttons::Ok, Icon::Critical, 1});
+    return true;
+}
+
+// The switches, the program folder and the trace, which every later step writes to.
+void prepareTrace(Context& ctx) {
     const Switches switches = parseSwitches(ctx.system.commandLine());
     ctx.trace.debug = switches.debug;
     ctx.trace.errorTrap = switches.errorTrap;
-
     const std::string location =
         regQuery_A_Key(ctx, RegistryRoot::LocalMachine, kUninstallKey, "InstallLocation");
     ctx.paths.programFolder =
         location.empty() ? ctx.system.currentDirectory() : pathFromUtf8(location);
     if (ctx.trace.debug) openTrace(ctx);
+}
+
+bool refuseSecondInstance(Context& ctx, Routine& r) {
+    if (ctx.system.acquireSingleInstance()) return false;
+    refuse(ctx, &r,
+           Message{"DUPLICATE INSTANCES PROHIBITED",
+                   "The " + kQ + kProductName + kQ + " is already running.", Buttons::Ok,
+                   Icon::Exclamation, 1});
+    return true;
+}
+
+// Refuses to run without an installation record; records an update to this version.
+bool refuseWithoutRegistryEntry(Context& ctx, Routine& r) {
+    const std::string installed =
+        regQuery_A_Key(ctx, RegistryRoot::LocalMachine, kUninstallKey, "DisplayVersion");
+    const std::string version = programVersionText();
+    if (installed.empty()) {
+        r.detail("NO VERSION IN REGISTRY");
+        refuse(
+            ctx, &r,
+            Message{"NO REGISTRY ENTRY",
+                    std::string("Can't get VERSION of ") + kProductName + "." + kLb +
+                        "It doesn't appear in the Registry." + kBl + "This program will terminate.",
+                    Buttons::Ok, Icon::Critical, 1});
+        return true;
+    }
+    if (installed != version) {
+        r.detail("SOFTWARE UPDATE");
+        regCreate_Key_Value(ctx, RegistryRoot::LocalMachine, kUninstallKey, "DisplayVersion",
+                            version);
+        ctx.ui.message(Message{"TVK: UPDATE", "Update to " + version + " successful", Buttons::Ok,
+                               Icon::Information, 1});
+    }
+    return false;
+}
+
+// The commands that need a stick stay grey until a scan finds one.
+void greyStickCommands(Context& ctx) {
+    for (int i = 0; i < 5; ++i) ctx.state.enabled[controlName("btnUSB_Docs", i)] = false;
+    for (const char* c : {"btnSort", "btnRenameVol", "btnCompare"}) ctx.state.enabled[c] = false;
+}
+
+void enterDeveloperFolder(Context& ctx, Routine& r) {
+    if (ctx.system.environment("USERNAME") != std::optional<std::string>(kDeveloperUser) ||
+        ctx.system.environment("USERDOMAIN") != std::optional<std::string>(kDeveloperDomain))
+        return;
+    r.step("ChDir " + pathToUtf8(ctx.paths.programFolder),
+           [&] { ctx.system.setCurrentDirectory(ctx.paths.programFolder); });
+}
+
+void makeLibraryFolders(Context& ctx, Routine& r) {
+    ctx.paths.libraryRoot = ctx.system.documentsFolder() / kProductName;
+    makeFolder(ctx, r, ctx.paths.libraryRoot);
+    for (const auto& folder : {ctx.paths.downloaded(), ctx.paths.musicRecordings(),
+                               ctx.paths.presetPool(), ctx.paths.recycleBin()})
+        makeFolder(ctx, r, folder);
+}
+
+// Reads the settings (or writes the defaults) and opens the views on the library.
+void loadSettings(Context& ctx) {
+    if (FileExists(ctx, ctx.paths.settingsFile())) {
+        ReadIniFile(ctx);
+    } else {
+        WriteIniFile(ctx, true);
+    }
+    ctx.state.series = seriesFromNumber(ctx.settings.organSeries);
+    ctx.state.docsFolder = ctx.paths.libraryRoot;
+    ctx.state.pattern = "*.*";
+    ctx.state.usbPattern = "*.*";
+}
+
+}  // namespace
+
+StartupOutcome FormLoad(Context& ctx) {
+    if (refuseWithoutAdministrator(ctx)) return StartupOutcome::NotAdministrator;
+    prepareTrace(ctx);
 
     StartupOutcome outcome = StartupOutcome::Running;
     routine(ctx, "frmMain.Form_Load", [&](Routine& r) {
-        if (!ctx.system.acquireSingleInstance()) {
-            refuse(ctx, &r,
-                   Message{"DUPLICATE INSTANCES PROHIBITED",
-                           "The " + kQ + kProductName + kQ + " is already running.", Buttons::Ok,
-                           Icon::Exclamation, 1});
+        if (refuseSecondInstance(ctx, r)) {
             outcome = StartupOutcome::AlreadyRunning;
             return;
         }
         if (const auto common = ctx.system.environment("CommonProgramFiles(x86)"))
             ctx.paths.commonProgramFiles = pathFromUtf8(*common) / kProductName;
-
-        const std::string installed =
-            regQuery_A_Key(ctx, RegistryRoot::LocalMachine, kUninstallKey, "DisplayVersion");
-        const std::string version = programVersionText();
-        if (installed.empty()) {
-            r.detail("NO VERSION IN REGISTRY");
-            refuse(ctx, &r,
-                   Message{"NO REGISTRY ENTRY",
-                           std::string("Can't get VERSION of ") + kProductName + "." + kLb +
-                               "It doesn't appear in the Registry." + kBl +
-                               "This program will terminate.",
-                           Buttons::Ok, Icon::Critical, 1});
+        if (refuseWithoutRegistryEntry(ctx, r)) {
             outcome = StartupOutcome::NoRegistryEntry;
             return;
         }
-        if (installed != version) {
-            r.detail("SOFTWARE UPDATE");
-            regCreate_Key_Value(ctx, RegistryRoot::LocalMachine, kUninstallKey, "DisplayVersion",
-                                version);
-            ctx.ui.message(Message{"TVK: UPDATE", "Update to " + version + " successful",
-                                   Buttons::Ok, Icon::Information, 1});
-        }
-
         if (const auto local = ctx.system.environment("LOCALAPPDATA"))
             ctx.paths.localAppData = pathFromUtf8(*local) / "Morvel Services" / kProductName;
-
-        for (int i = 0; i < 5; ++i) ctx.state.enabled[controlName("btnUSB_Docs", i)] = false;
-        for (const char* c : {"btnSort", "btnRenameVol", "btnCompare"})
-            ctx.state.enabled[c] = false;
-
-        if (ctx.system.environment("USERNAME") == std::optional<std::string>(kDeveloperUser) &&
-            ctx.system.environment("USERDOMAIN") == std::optional<std::string>(kDeveloperDomain)) {
-            r.step("ChDir " + pathToUtf8(ctx.paths.programFolder),
-                   [&] { ctx.system.setCurrentDirectory(ctx.paths.programFolder); });
-        }
-
-        ctx.paths.libraryRoot = ctx.system.documentsFolder() / kProductName;
-        makeFolder(ctx, r, ctx.paths.libraryRoot);
-        for (const auto& folder : {ctx.paths.downloaded(), ctx.paths.musicRecordings(),
-                                   ctx.paths.presetPool(), ctx.paths.recycleBin()})
-            makeFolder(ctx, r, folder);
-
-        if (FileExists(ctx, ctx.paths.settingsFile())) {
-            ReadIniFile(ctx);
-        } else {
-            WriteIniFile(ctx, true);
-        }
-        ctx.state.series = seriesFromNumber(ctx.settings.organSeries);
-
-        ctx.state.docsFolder = ctx.paths.libraryRoot;
-        ctx.state.pattern = "*.*";
-        ctx.state.usbPattern = "*.*";
+        greyStickCommands(ctx);
+        enterDeveloperFolder(ctx, r);
+        makeLibraryFolders(ctx, r);
+        loadSettings(ctx);
     });
     return outcome;
 }

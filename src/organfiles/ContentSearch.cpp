@@ -39,22 +39,6 @@ ButtonTable buttonTable(Series family, FileKind kind) {
     return table;
 }
 
-std::optional<Series> familyFromFirstLetter(std::string_view name) {
-    switch (name.empty() ? '\0' : name.front()) {
-        case 'S':
-        case 's':
-            return Series::SU;
-        case 'A':
-        case 'a':
-            return Series::A;
-        case 'E':
-        case 'e':
-            return Series::E;
-        default:
-            return std::nullopt;
-    }
-}
-
 std::string_view rawField(std::string_view bytes, std::int32_t position) {
     if (position < 1 || static_cast<std::size_t>(position) > bytes.size()) return {};
     return bytes.substr(static_cast<std::size_t>(position - 1), kNameWidth);
@@ -69,7 +53,7 @@ struct Hit {
 };
 
 Message matchBox(const std::string& text, const Hit& hit) {
-    const bool preset = endsWith(toUpperAscii(hit.fileName), "PG");
+    const bool preset = kindByEnding(hit.fileName) == FileKind::Preset;
     const std::string br(kLineBreak);
     return Message{"MATCH FOUND",
                    "\"" + text + "\" found in file " + hit.fileName + std::string(kBlankLine) +
@@ -108,6 +92,76 @@ bool NameMatcher::matches(std::string_view field) const {
     return field.find(needle_) != std::string_view::npos;
 }
 
+namespace {
+
+// The presets, then the recordings, of the folder, as the category patterns list them.
+std::vector<Job> searchJobs(const SearchRequest& request) {
+    std::vector<Job> jobs;
+    if (request.presets)
+        for (auto& n : listPlainFiles(request.folder, "*.?pg"))
+            jobs.push_back({std::move(n), FileKind::Preset});
+    if (request.recordings)
+        for (auto& n : listPlainFiles(request.folder, "*.?mr"))
+            jobs.push_back({std::move(n), FileKind::Recording});
+    return jobs;
+}
+
+class SearchRun {
+  public:
+    SearchRun(Context& ctx, Routine& r, const SearchRequest& request, SearchReport& report)
+        : ctx_(ctx),
+          r_(r),
+          request_(request),
+          report_(report),
+          matcher_(request.text, request.wholeWord, request.matchCase) {}
+
+    // Counts the matches in one file and shows each unless only counting; false once the
+    // user answered No to a match.
+    bool searchFile(const Job& job) {
+        // A file's family is its first letter, whatever its extension says.
+        const auto family = seriesFromLetter(toUpperAscii(job.name.substr(0, 1)));
+        if (!family) return true;
+        const std::size_t t =
+            (static_cast<std::size_t>(*family) - 1) * 2 + (job.kind == FileKind::Recording ? 1 : 0);
+        if (tables_[t].empty()) tables_[t] = buttonTable(*family, job.kind);
+
+        std::string bytes;
+        const auto file = request_.folder / pathFromUtf8(job.name);
+        if (!r_.step("Read " + pathToUtf8(file), [&] { bytes = readWholeFile(file); })) return true;
+        ++report_.filesSearched;
+        for (const Button& button : tables_[t]) {
+            const std::string_view field = rawField(bytes, button.position);
+            if (!matcher_.matches(field)) continue;
+            ++report_.matches;
+            if (request_.countOnly) continue;
+            const Hit hit{job.name, button.code, cp1252ToUtf8(field),
+                          cp1252ToUtf8(rawField(bytes, kNamePosition)), button.position};
+            if (ctx_.ui.message(matchBox(request_.text, hit)) == Answer::No) return false;
+        }
+        return true;
+    }
+
+  private:
+    Context& ctx_;
+    Routine& r_;
+    const SearchRequest& request_;
+    SearchReport& report_;
+    const NameMatcher matcher_;
+    std::array<ButtonTable, 6> tables_;  // by family and kind, made when first needed
+};
+
+void announceMatches(Context& ctx, const SearchRequest& request, const SearchReport& report) {
+    if (report.matches > 0)
+        ctx.ui.message(Message{
+            "MATCHES FOUND",
+            "\"" + request.text + "\" was found " + std::to_string(report.matches) + " times.",
+            Buttons::Ok, Icon::Information, 1});
+    else
+        ctx.ui.message(Message{"NO MATCHES", "Search complete", Buttons::Ok, Icon::Critical, 1});
+}
+
+}  // namespace
+
 SearchReport btnSearch_Click(Context& ctx, const SearchRequest& request) {
     SearchReport report;
     routine(ctx, "frmSearch.btnSearch_Click", [&](Routine& r) {
@@ -117,58 +171,19 @@ SearchReport btnSearch_Click(Context& ctx, const SearchRequest& request) {
             return;
         }
         std::vector<Job> jobs;
-        r.step("List the files of " + pathToUtf8(request.folder), [&] {
-            jobs.clear();
-            if (request.presets)
-                for (auto& n : listPlainFiles(request.folder, "*.?pg"))
-                    jobs.push_back({std::move(n), FileKind::Preset});
-            if (request.recordings)
-                for (auto& n : listPlainFiles(request.folder, "*.?mr"))
-                    jobs.push_back({std::move(n), FileKind::Recording});
-        });
-
-        const NameMatcher matcher(request.text, request.wholeWord, request.matchCase);
-        std::array<ButtonTable, 6> tables;  // by family and kind, made when first needed
+        r.step("List the files of " + pathToUtf8(request.folder),
+               [&] { jobs = searchJobs(request); });
+        SearchRun run(ctx, r, request, report);
         ctx.ui.showProgress(static_cast<int>(jobs.size()));
         for (std::size_t i = 0; i < jobs.size() && !report.stopped; ++i) {
-            const Job& job = jobs[i];
             ctx.ui.setProgress(static_cast<int>(i + 1));
-            ctx.ui.setStatus(StatusPanel::Progress, "Searching " + job.name);
+            ctx.ui.setStatus(StatusPanel::Progress, "Searching " + jobs[i].name);
             ctx.ui.processEvents();
-            const auto family = familyFromFirstLetter(job.name);
-            if (!family) continue;
-            const std::size_t t = (static_cast<std::size_t>(*family) - 1) * 2 +
-                                  (job.kind == FileKind::Recording ? 1 : 0);
-            if (tables[t].empty()) tables[t] = buttonTable(*family, job.kind);
-
-            std::string bytes;
-            const auto file = request.folder / pathFromUtf8(job.name);
-            if (!r.step("Read " + pathToUtf8(file), [&] { bytes = readWholeFile(file); })) continue;
-            ++report.filesSearched;
-            for (const Button& button : tables[t]) {
-                const std::string_view field = rawField(bytes, button.position);
-                if (!matcher.matches(field)) continue;
-                ++report.matches;
-                if (request.countOnly) continue;
-                const Hit hit{job.name, button.code, cp1252ToUtf8(field),
-                              cp1252ToUtf8(rawField(bytes, kNamePosition)), button.position};
-                if (ctx.ui.message(matchBox(request.text, hit)) == Answer::No) {
-                    report.stopped = true;
-                    break;
-                }
-            }
+            report.stopped = !run.searchFile(jobs[i]);
         }
         ctx.ui.hideProgress();
         ctx.ui.setStatus(StatusPanel::Progress, "");
-        if (report.stopped) return;
-        if (report.matches > 0)
-            ctx.ui.message(Message{
-                "MATCHES FOUND",
-                "\"" + request.text + "\" was found " + std::to_string(report.matches) + " times.",
-                Buttons::Ok, Icon::Information, 1});
-        else
-            ctx.ui.message(
-                Message{"NO MATCHES", "Search complete", Buttons::Ok, Icon::Critical, 1});
+        if (!report.stopped) announceMatches(ctx, request, report);
     });
     return report;
 }

@@ -23,6 +23,7 @@
 
 class QComboBox;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
@@ -95,6 +96,22 @@ class MainWindow : public QMainWindow {
     void buildMenus();
     void connectFileCommands();
     void connectSignals();
+    void connectListSignals();
+    void connectButtonSignals();
+    // The steps of buildPanes and buildMenus, in the window's order.
+    QWidget* buildCategoryBar(QWidget* parent);
+    QWidget* buildDocsPane(QWidget* parent);
+    QWidget* buildCommandColumn(QWidget* parent);
+    QWidget* buildUsbPane(QWidget* parent);
+    QLayout* buildInfoPanels(QWidget* parent);
+    void buildStatusBar();
+    void addMenuBarItems();
+    void onTriggered(const char* action, std::function<void()> handler);
+    void connectViewCommands();
+    void connectEditCommands();
+    void connectSeriesCommands();
+    // The one file selected in the file list last worked in; empty otherwise.
+    std::filesystem::path selectedFile() const;
     void activate();
     // Abort with the trace off, or an error with the trap off: the program ends at once,
     // without writing the settings.

@@ -27,14 +27,12 @@
 namespace tvk::ui {
 
 void MainWindow::connectSignals() {
-    for (int i = 0; i < kCategoryCount; ++i) {
-        connect(btnButtonBar_[i], &QPushButton::clicked, this, [this, i] {
-            command([&] {
-                auto ctx = context();
-                btnButtonBar_Click(ctx, i);
-            });
-        });
-    }
+    connectListSignals();
+    connectButtonSignals();
+}
+
+// The two file lists, the folder tree and the drive box.
+void MainWindow::connectListSignals() {
     for (auto* list : {flbDocs_, flbUSB_}) {
         connect(list, &QListWidget::itemSelectionChanged, this,
                 [this, list] { listClicked(list); });
@@ -67,6 +65,18 @@ void MainWindow::connectSignals() {
         dirDocs_->setRoot(root);
         folderChosen(qpath(root));
     });
+}
+
+// The category bar and the command column.
+void MainWindow::connectButtonSignals() {
+    for (int i = 0; i < kCategoryCount; ++i) {
+        connect(btnButtonBar_[i], &QPushButton::clicked, this, [this, i] {
+            command([&] {
+                auto ctx = context();
+                btnButtonBar_Click(ctx, i);
+            });
+        });
+    }
     for (int i = 0; i < static_cast<int>(btnUSB_Docs_.size()); ++i) {
         connect(btnUSB_Docs_[i], &QPushButton::clicked, this, [this, i] {
             command([&] {

@@ -9,8 +9,8 @@
 #include "library/ListCommands.h"
 #include "library/RenameFile.h"
 #include "library/Selection.h"
-#include "ui/ContextMenu.h"
 #include "library/TransferCommands.h"
+#include "ui/ContextMenu.h"
 #include "ui/FolderTree.h"
 #include "ui/MainWindow.h"
 #include "ui/MakeFilesDialog.h"
@@ -55,6 +55,16 @@ const std::vector<Item> kHelpMenu = {{"mnuHelpAbout", "&About"},
 }  // namespace
 
 void MainWindow::buildMenus() {
+    addMenuBarItems();
+    onTriggered("mnuFileQuit", [this] { close(); });
+    connectViewCommands();
+    connectEditCommands();
+    connectSeriesCommands();
+    connectFileCommands();
+}
+
+// File, Edit and Help, the series item and Make Files, each action under its control name.
+void MainWindow::addMenuBarItems() {
     menuBar()->setObjectName("mnuMain");
     auto addMenu = [this](const char* name, const char* caption, const std::vector<Item>& items) {
         QMenu* menu = menuBar()->addMenu(caption);
@@ -82,25 +92,29 @@ void MainWindow::buildMenus() {
     QAction* make = menuBar()->addAction("Make Files");
     make->setObjectName("mnuMakeFiles");
     actions_["mnuMakeFiles"] = make;
+}
 
-    auto on = [this](const char* name, auto handler) {
-        connect(actions_.at(name), &QAction::triggered, this, handler);
-    };
-    on("mnuFileQuit", [this] { close(); });
-    // The one file selected in the file list last worked in; empty otherwise.
-    auto selectedFile = [this]() -> std::filesystem::path {
-        const ListControl active = session_.state.activeList;
-        auto* list = active == ListControl::flbUSB ? flbUSB_ : flbDocs_;
-        const auto names = list->selectedNames();
-        if (!isFileList(active) || names.size() != 1) return {};
-        return list->folder() / pathFromUtf8(names.front());
-    };
-    on("mnuOpen", [this, selectedFile] {
+void MainWindow::onTriggered(const char* action, std::function<void()> handler) {
+    connect(actions_.at(action), &QAction::triggered, this, std::move(handler));
+}
+
+std::filesystem::path MainWindow::selectedFile() const {
+    const ListControl active = session_.state.activeList;
+    const auto* list = active == ListControl::flbUSB ? flbUSB_ : flbDocs_;
+    const auto names = list->selectedNames();
+    if (!isFileList(active) || names.size() != 1) return {};
+    return list->folder() / pathFromUtf8(names.front());
+}
+
+// Open, Rename Presets, Find, Make Files and Refresh: the commands with a window of their own
+// or that redraw the lists.
+void MainWindow::connectViewCommands() {
+    onTriggered("mnuOpen", [this] {
         command([&] {
             if (const auto file = selectedFile(); !file.empty()) openViewer(file);
         });
     });
-    on("mnuEditRename", [this, selectedFile] {
+    onTriggered("mnuEditRename", [this] {
         command([&] {
             const auto file = selectedFile();
             if (file.empty() || !isPresetName(fileNameUtf8(file))) return;
@@ -109,13 +123,13 @@ void MainWindow::buildMenus() {
             refreshAll();
         });
     });
-    on("mnuEditFind", [this] {
+    onTriggered("mnuEditFind", [this] {
         command([&] {
             SearchDialog dialog(context(), this);
             dialog.exec();
         });
     });
-    on("mnuMakeFiles", [this] {
+    onTriggered("mnuMakeFiles", [this] {
         command([&] {
             MakeFilesDialog dialog(context(), this);
             if (dialog.exec() != QDialog::Accepted) return;
@@ -123,57 +137,63 @@ void MainWindow::buildMenus() {
             refreshAll();
         });
     });
-    on("mnuEditRefresh", [this] {
+    onTriggered("mnuEditRefresh", [this] {
         command([&] {
             session_.state.fileInfoText.clear();
             dirDocs_->refresh();
             refreshAll();
         });
     });
-    on("mnuFileFormat", [this] {
+}
+
+// Format, Copy and Paste, and the three commands that only open something.
+void MainWindow::connectEditCommands() {
+    onTriggered("mnuFileFormat", [this] {
         command([&] {
             auto ctx = context();
             afterScan(ctx, mnuFileFormat_Click(ctx));
             refreshAll();
         });
     });
-    on("mnuEditCopy", [this] {
+    onTriggered("mnuEditCopy", [this] {
         command([&] {
             auto ctx = context();
             mnuEditCopy_Click(ctx, session_.state.activeList);
         });
     });
-    on("mnuEditPaste", [this] {
+    onTriggered("mnuEditPaste", [this] {
         command([&] {
             auto ctx = context();
             mnuEditPaste_Click(ctx, session_.state.activeList);
             refreshAll();
         });
     });
-    on("mnuEditPrefs", [this] { showPreferences(); });
-    on("mnuHelpAbout", [this] { showAbout(); });
-    on("mnuHelpManual", [this] { openManual(); });
+    onTriggered("mnuEditPrefs", [this] { showPreferences(); });
+    onTriggered("mnuHelpAbout", [this] { showAbout(); });
+    onTriggered("mnuHelpManual", [this] { openManual(); });
+}
+
+void MainWindow::connectSeriesCommands() {
     using SeriesCommand = void (*)(Context&);
     const std::pair<const char*, SeriesCommand> seriesCommands[] = {{"mnuALL", &mnuALL_Click},
                                                                     {"mnuSU", &mnuSU_Click},
                                                                     {"mnuA", &mnuA_Click},
                                                                     {"mnuE", &mnuE_Click}};
     for (const auto& [name, run] : seriesCommands) {
-        on(name, [this, run = run] {
+        onTriggered(name, [this, run = run] {
             command([&] {
                 auto ctx = context();
                 run(ctx);
             });
         });
     }
-    connectFileCommands();
 }
 
 // File > Rename, Convert, Delete, New Folder, Empty Bin, Print Preset Pool, and the
 // lists' context menu that forwards to them.
 void MainWindow::connectFileCommands() {
     auto on = [this](const char* name, auto body) {
-        connect(actions_.at(name), &QAction::triggered, this, [this, body] {
+        onTriggered(name, [this, body] {
             command([&] {
                 auto ctx = context();
                 body(ctx);

@@ -61,9 +61,19 @@ QLineEdit* pathBox(const QString& name, const QString& tip, QWidget* parent) {
 void MainWindow::buildPanes() {
     auto* central = new QWidget(this);
     auto* outer = new QVBoxLayout(central);
+    outer->addWidget(buildCategoryBar(central));
+    auto* lists = new QHBoxLayout;
+    lists->addWidget(buildDocsPane(central), 5);
+    lists->addWidget(buildCommandColumn(central));
+    lists->addWidget(buildUsbPane(central), 4);
+    outer->addLayout(lists, 1);
+    outer->addLayout(buildInfoPanels(central));
+    setCentralWidget(central);
+    buildStatusBar();
+}
 
-    // Category button bar.
-    auto* picButtonBar = new QWidget(central);
+QWidget* MainWindow::buildCategoryBar(QWidget* parent) {
+    auto* picButtonBar = new QWidget(parent);
     picButtonBar->setObjectName("picButtonBar");
     auto* bar = new QHBoxLayout(picButtonBar);
     bar->setContentsMargins(0, 0, 0, 0);
@@ -76,10 +86,12 @@ void MainWindow::buildPanes() {
         widgets_[btnButtonBar_[i]->objectName()] = btnButtonBar_[i];
     }
     bar->addStretch();
-    outer->addWidget(picButtonBar);
+    return picButtonBar;
+}
 
-    // Library pane: drive, folder tree, path, files.
-    auto* docsPane = new QGroupBox("Library on this computer", central);
+// The library pane: drive, folder tree, path, files.
+QWidget* MainWindow::buildDocsPane(QWidget* parent) {
+    auto* docsPane = new QGroupBox("Library on this computer", parent);
     auto* docs = new QVBoxLayout(docsPane);
     dlbDocs_ = new QComboBox(docsPane);
     dlbDocs_->setObjectName("dlbDocs");
@@ -99,9 +111,12 @@ void MainWindow::buildPanes() {
     docs->addWidget(dlbDocs_);
     docs->addWidget(txtDocPath_);
     docs->addWidget(docsSplit, 1);
+    return docsPane;
+}
 
-    // Command column between the lists.
-    auto* commands = new QWidget(central);
+// The command column between the lists: the five transfers, Sort, Compare, Rename.
+QWidget* MainWindow::buildCommandColumn(QWidget* parent) {
+    auto* commands = new QWidget(parent);
     auto* column = new QVBoxLayout(commands);
     column->setContentsMargins(0, 8, 0, 0);
     for (int i = 0; i < 5; ++i) {
@@ -125,37 +140,37 @@ void MainWindow::buildPanes() {
     }
     column->addStretch();
     commands->setFixedWidth(200);
+    return commands;
+}
 
-    // Thumbdrive pane.
-    auto* usbPane = new QGroupBox("Thumbdrive TAVRIN folder", central);
+QWidget* MainWindow::buildUsbPane(QWidget* parent) {
+    auto* usbPane = new QGroupBox("Thumbdrive TAVRIN folder", parent);
     auto* usb = new QVBoxLayout(usbPane);
     txtUSBPath_ = pathBox("txtUSBPath", "This displays the Thumbdrive Tavrin Folder", usbPane);
     flbUSB_ = new FileListWidget("flbUSB", usbPane);
     usb->addWidget(txtUSBPath_);
     usb->addWidget(flbUSB_, 1);
+    return usbPane;
+}
 
-    auto* lists = new QHBoxLayout;
-    lists->addWidget(docsPane, 5);
-    lists->addWidget(commands);
-    lists->addWidget(usbPane, 4);
-    outer->addLayout(lists, 1);
-
-    // Drive and file information panels.
+// The drive and file information panels under the lists.
+QLayout* MainWindow::buildInfoPanels(QWidget* parent) {
     auto* info = new QHBoxLayout;
     auto* driveCol = new QVBoxLayout;
-    driveCol->addWidget(heading("lblDriveInfo", "DRIVE INFO:", central));
-    lblDriveInfoDisplay_ = infoPanel("lblDriveInfoDisplay", "DRIVE INFORMATION DISPLAY", central);
+    driveCol->addWidget(heading("lblDriveInfo", "DRIVE INFO:", parent));
+    lblDriveInfoDisplay_ = infoPanel("lblDriveInfoDisplay", "DRIVE INFORMATION DISPLAY", parent);
     driveCol->addWidget(lblDriveInfoDisplay_);
     auto* fileCol = new QVBoxLayout;
-    fileCol->addWidget(heading("lblFileInfo", "FILE INFO:", central));
-    lblFileInfoDisplay_ = infoPanel("lblFileInfoDisplay", "FILE INFORMATION DISPLAY", central);
+    fileCol->addWidget(heading("lblFileInfo", "FILE INFO:", parent));
+    lblFileInfoDisplay_ = infoPanel("lblFileInfoDisplay", "FILE INFORMATION DISPLAY", parent);
     fileCol->addWidget(lblFileInfoDisplay_);
     info->addLayout(driveCol, 1);
     info->addLayout(fileCol, 1);
-    outer->addLayout(info);
-    setCentralWidget(central);
+    return info;
+}
 
-    // Three status panels and the progress bar.
+// Three status panels and the progress bar.
+void MainWindow::buildStatusBar() {
     statusBar()->setObjectName("sbarMain");
     const int stretch[3] = {3, 2, 4};
     for (int i = 0; i < 3; ++i) {

@@ -44,6 +44,22 @@ PreferencesDialog::PreferencesDialog(Context ctx, std::function<void()> applyLis
     };
 
     auto* layout = new QVBoxLayout(this);
+    layout->addLayout(buildSeriesRow());
+    layout->addWidget(buildColorLabels());
+    layout->addWidget(buildNumberSequence());
+    chkAutoBackup_ =
+        checkBox(this, "chkAutoBackup", "Automatically Backup Thumbdrive", "Auto Backup");
+    chkAutoSelect_ =
+        checkBox(this, "chkAutoSelect", "Automatically Select All Text", "All Text Select");
+    chkWindowPosit_ =
+        checkBox(this, "chkWindowPosit", "Remember Window Positions", "Rem Win Posit");
+    for (auto* c : {chkAutoBackup_, chkAutoSelect_, chkWindowPosit_}) layout->addWidget(c);
+    layout->addLayout(buildButtons());
+
+    Form_Load();
+}
+
+QLayout* PreferencesDialog::buildSeriesRow() {
     auto* seriesRow = new QHBoxLayout;
     auto* label1 = new QLabel("Organ Series", this);
     label1->setObjectName("Label1");
@@ -55,8 +71,11 @@ PreferencesDialog::PreferencesDialog(Context ctx, std::function<void()> applyLis
         cbxSeries_->addItem(QString("\"%1\" Series").arg(code));
     seriesRow->addWidget(label1);
     seriesRow->addWidget(cbxSeries_, 1);
-    layout->addLayout(seriesRow);
+    return seriesRow;
+}
 
+// The three sample labels; a click picks the background colour, SHIFT + click the font's.
+QWidget* PreferencesDialog::buildColorLabels() {
     auto* colors = new QGroupBox("COLORS", this);
     colors->setToolTip(
         "The purpose for using colors on the Folder and File lists is to help distinguish one "
@@ -73,8 +92,10 @@ PreferencesDialog::PreferencesDialog(Context ctx, std::function<void()> applyLis
         labels_[i]->installEventFilter(this);
         colorRow->addWidget(labels_[i]);
     }
-    layout->addWidget(colors);
+    return colors;
+}
 
+QWidget* PreferencesDialog::buildNumberSequence() {
     auto* copy = new QGroupBox("FILE COPY", this);
     auto* copyCol = new QVBoxLayout(copy);
     const char* optCaptions[2] = {"Continue Number Sequence", "Restart Number Sequence"};
@@ -87,16 +108,10 @@ PreferencesDialog::PreferencesDialog(Context ctx, std::function<void()> applyLis
         optNumSeq_[i]->setToolTip(optTips[i]);
         copyCol->addWidget(optNumSeq_[i]);
     }
-    layout->addWidget(copy);
+    return copy;
+}
 
-    chkAutoBackup_ =
-        checkBox(this, "chkAutoBackup", "Automatically Backup Thumbdrive", "Auto Backup");
-    chkAutoSelect_ =
-        checkBox(this, "chkAutoSelect", "Automatically Select All Text", "All Text Select");
-    chkWindowPosit_ =
-        checkBox(this, "chkWindowPosit", "Remember Window Positions", "Rem Win Posit");
-    for (auto* c : {chkAutoBackup_, chkAutoSelect_, chkWindowPosit_}) layout->addWidget(c);
-
+QLayout* PreferencesDialog::buildButtons() {
     auto* buttons = new QHBoxLayout;
     auto* ok = new QPushButton("OK", this);
     ok->setObjectName("btnOK");
@@ -106,11 +121,9 @@ PreferencesDialog::PreferencesDialog(Context ctx, std::function<void()> applyLis
     buttons->addStretch();
     buttons->addWidget(ok);
     buttons->addWidget(cancel);
-    layout->addLayout(buttons);
     connect(ok, &QPushButton::clicked, this, [this] { btnOK_Click(); });
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-
-    Form_Load();
+    return buttons;
 }
 
 void PreferencesDialog::Form_Load() {

@@ -11,6 +11,7 @@
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QLayout;
 class QRadioButton;
 
 namespace tvk::ui {
@@ -33,6 +34,10 @@ class PreferencesDialog : public QDialog {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    QLayout* buildSeriesRow();
+    QWidget* buildColorLabels();
+    QWidget* buildNumberSequence();
+    QLayout* buildButtons();
     void Form_Load();
     void btnOK_Click();
     void showLabelColors(int index);

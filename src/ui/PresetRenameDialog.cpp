@@ -60,7 +60,28 @@ PresetRenameDialog::PresetRenameDialog(Context ctx, std::filesystem::path file, 
     setObjectName("frmPresetRename");
     const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     auto* layout = new QVBoxLayout(this);
+    layout->addLayout(buildFileNameRow(fixed));
+    layout->addLayout(buildNameGrid(fixed));
+    const std::vector<QWidget*> buttons = addButtons(layout);
+    txtPresetFileName_->installEventFilter(this);
+    for (auto* box : txtPresetName_)
+        connect(box, &QLineEdit::textChanged, this, [this] { FileChanged(true); });
+    connect(txtPresetFileName_, &QLineEdit::textChanged, this, [this] { FileChanged(true); });
 
+    if (!load("frmPresetRename.Form_Load")) return;
+    // Tab follows the bank order, after the file name.
+    QWidget* previous = txtPresetFileName_;
+    for (auto* box : usedBoxes()) {
+        setTabOrder(previous, box);
+        previous = box;
+    }
+    for (QWidget* w : buttons) {
+        setTabOrder(previous, w);
+        previous = w;
+    }
+}
+
+QLayout* PresetRenameDialog::buildFileNameRow(const QFont& fixed) {
     auto* nameRow = new QHBoxLayout;
     auto* lblPresetName = new QLabel("Preset File Name:", this);
     lblPresetName->setObjectName("lblPresetName");
@@ -69,9 +90,11 @@ PresetRenameDialog::PresetRenameDialog(Context ctx, std::filesystem::path file, 
     nameRow->addWidget(lblPresetName);
     nameRow->addWidget(txtPresetFileName_);
     nameRow->addStretch(1);
-    layout->addLayout(nameRow);
+    return nameRow;
+}
 
-    // Each bank is one row of two lines: buttons 0 to 5, then 6 to 10 under 1 to 5.
+// Each bank is one row of two lines: buttons 0 to 5, then 6 to 10 under 1 to 5.
+QLayout* PresetRenameDialog::buildNameGrid(const QFont& fixed) {
     auto* grid = new QGridLayout;
     for (int i = 0; i < kBoxes; ++i) {
         const int bank = i / 11, n = i % 11;
@@ -95,8 +118,11 @@ PresetRenameDialog::PresetRenameDialog(Context ctx, std::filesystem::path file, 
         grid->addWidget(number, row, 1 + slot * 2);
         grid->addWidget(txtPresetName_[i], row, 2 + slot * 2);
     }
-    layout->addLayout(grid);
+    return grid;
+}
 
+// The bottom row, connected; returns its controls in tab order.
+std::vector<QWidget*> PresetRenameDialog::addButtons(QBoxLayout* layout) {
     auto* buttons = new QHBoxLayout;
     chkAutoSelect_ = new QCheckBox("Auto Select all text", this);
     chkAutoSelect_->setObjectName("chkAutoSelect");
@@ -117,23 +143,7 @@ PresetRenameDialog::PresetRenameDialog(Context ctx, std::filesystem::path file, 
     connect(btnReload, &QPushButton::clicked, this, [this] { btnReload_Click(); });
     connect(btnClear, &QPushButton::clicked, this, [this] { btnClear_Click(); });
     connect(btnCommit, &QPushButton::clicked, this, [this] { btnCommit_Click(); });
-    txtPresetFileName_->installEventFilter(this);
-    for (auto* box : txtPresetName_)
-        connect(box, &QLineEdit::textChanged, this, [this] { FileChanged(true); });
-    connect(txtPresetFileName_, &QLineEdit::textChanged, this, [this] { FileChanged(true); });
-
-    if (!load("frmPresetRename.Form_Load")) return;
-    // Tab follows the bank order, after the file name.
-    QWidget* previous = txtPresetFileName_;
-    for (auto* box : usedBoxes()) {
-        setTabOrder(previous, box);
-        previous = box;
-    }
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{chkAutoSelect_, btnReload, btnClear, btnCommit}) {
-        setTabOrder(previous, w);
-        previous = w;
-    }
+    return {chkAutoSelect_, btnReload, btnClear, btnCommit};
 }
 
 QLineEdit* PresetRenameDialog::nameBox(const QString& code) const {

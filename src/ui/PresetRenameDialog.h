@@ -6,11 +6,15 @@
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 #include "app/Context.h"
 #include "organfiles/PresetNames.h"
 
+class QBoxLayout;
 class QCheckBox;
+class QFont;
+class QLayout;
 class QLineEdit;
 
 namespace tvk::ui {
@@ -40,6 +44,9 @@ class PresetRenameDialog : public QDialog {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    QLayout* buildFileNameRow(const QFont& fixed);
+    QLayout* buildNameGrid(const QFont& fixed);
+    std::vector<QWidget*> addButtons(QBoxLayout* layout);
     bool load(std::string_view routineName);
     void showNames();
     void FileChanged(bool changed);
