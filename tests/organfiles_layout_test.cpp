@@ -159,22 +159,43 @@ TEST_F(OrganLayoutRoutines, MoreThan750FilesIsAnIndexError) {
     EXPECT_EQ(ReadPresetNames(ctx, tree.path("many"))->size(), 750u);  // exactly full is fine
 }
 
-// Random bytes and every truncation of a real file: readers answer or throw
-// RuntimeError, never crash or read past the end (run under ASan to see the latter).
+// Random bytes and every truncation of a real file: readers answer or refuse with the
+// numbers a bad header gives, never another error, a crash or a read past the end (run
+// under ASan to see the latter); once the first line is whole they read it right.
 TEST(OrganLayout, SurvivesRandomAndTruncatedFiles) {
     RandomSource names(7);
     const std::string good = buildTestFile(Series::E, FileKind::Recording, "Fuzz Song", names);
+    const std::size_t firstLine = good.find_first_of("\r\n");
+    ASSERT_NE(firstLine, std::string::npos);
     std::mt19937 random(11);
     test::TempTree tree;
     auto probe = [&](const std::string& bytes) {
+        SCOPED_TRACE(testing::Message() << bytes.size() << " bytes");
         const auto file = tree.write("f.EMR", bytes);
+        const bool wholeLine =
+            bytes.size() > firstLine && good.compare(0, bytes.size(), bytes) == 0;
         try {
-            readFileVersion(file);
-        } catch (const RuntimeError&) {
+            const std::string version = readFileVersion(file);
+            EXPECT_FALSE(version.empty());
+            if (wholeLine) {
+                EXPECT_EQ(version, "4");
+            }
+        } catch (const RuntimeError& e) {
+            const int n = e.number();
+            EXPECT_TRUE(n == kErrInputPastEndOfFile || n == kErrInvalidProcedureCall ||
+                        n == kErrTypeMismatch)
+                << e.what();
+            EXPECT_FALSE(wholeLine);
         }
         try {
-            readPresetName(file);
-        } catch (const RuntimeError&) {
+            const std::string name = readPresetName(file);
+            EXPECT_LE(utf8Length(name), 16u);
+            if (wholeLine) {
+                EXPECT_EQ(name, "Fuzz Song");
+            }
+        } catch (const RuntimeError& e) {
+            EXPECT_EQ(e.number(), kErrInputPastEndOfFile);
+            EXPECT_TRUE(bytes.empty());
         }
         for (std::int32_t pos : {1, 33, 2275, 10387, 40000, 0, -5})
             EXPECT_LE(fieldAt(bytes, pos).size(), 16u * 3);
