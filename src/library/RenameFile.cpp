@@ -61,11 +61,17 @@ Plan namePlan(Flow flow, std::size_t limit, std::string prompt) {
     return p;
 }
 
-Plan computerPlan(std::string_view name) {
-    // Everything after the first dot is the extension here, so "a.b.spg" is no organ file.
+// The upper-cased three letters after the first dot, when they are all that follows it;
+// empty otherwise. Everything after the first dot is the extension to the rename, so
+// "a.b.spg" is no organ file to it.
+std::string soleExtension(std::string_view name) {
     const std::string dotted = toUpperAscii(extensionFromFirstDot(name));
-    const std::string ext = dotted.size() == 4 ? dotted.substr(1) : std::string();
-    const FileKind kind = ext.empty() ? FileKind::Other : fileKind(ext);
+    return dotted.size() == 4 ? dotted.substr(1) : std::string();
+}
+
+Plan computerPlan(std::string_view name) {
+    const std::string ext = soleExtension(name);
+    const FileKind kind = fileKind(ext);
     if (kind != FileKind::Preset && kind != FileKind::Recording)
         return namePlan(Flow::FileName, 18, "Enter a new FILE NAME (18 Characters MAX) for ");
     const bool song = kind == FileKind::Recording;
@@ -88,8 +94,8 @@ Plan stickPlan(std::string_view name) {
         return numberPlan(family, FileKind::Preset, family == Series::SU);
     if (prefix == "SUSON" || prefix == "ASONG" || prefix == "ESONG")
         return numberPlan(family, FileKind::Recording, false);
-    const std::string ext = toUpperAscii(extensionFromFirstDot(name));
-    const std::size_t limit = ext == ".MID" || ext == ".MP3" ? 18 : 254;
+    const FileKind kind = fileKind(soleExtension(name));
+    const std::size_t limit = kind == FileKind::Midi || kind == FileKind::Mp3 ? 18 : 254;
     return namePlan(Flow::FileName, limit, "Enter a new name for ");
 }
 
