@@ -64,6 +64,25 @@ TEST(FileIO, ReadersReportMissingFoldersAndOversizedFiles) {
     EXPECT_EQ(errorNumberOf([&] { readWholeFile(file, 99); }), kErrOutOfMemory);
     EXPECT_EQ(errorNumberOf([&] { readWholeFile(tree.path("gone.SPG")); }), kErrFileNotFound);
     EXPECT_EQ(errorNumberOf([&] { readWholeFile(tree.mkdir("folder")); }), kErrPathFileAccess);
+    EXPECT_EQ(errorNumberOf([&] { FileReader{tree.path("gone.SPG")}; }), kErrFileNotFound);
+}
+
+// Positioned reads, out of order as an MP3 scan makes them: each reads where it is told,
+// stops at the end and never past it.
+TEST(FileIO, PositionedReadsStopAtTheEnd) {
+    TempTree tree;
+    std::string bytes(300, '\0');
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 7);
+    FileReader reader(tree.write("f.MP3", bytes));
+    EXPECT_EQ(reader.size(), 300u);
+    const struct {
+        std::uint64_t at;
+        std::size_t count, got;
+    } reads[] = {{296, 10, 4}, {0, 4, 4}, {300, 1, 0}, {5000, 8, 0}, {10, 0, 0}, {1, 299, 299}};
+    for (const auto& r : reads) {
+        const std::size_t from = static_cast<std::size_t>(std::min<std::uint64_t>(r.at, 300));
+        EXPECT_EQ(reader.readAt(r.at, r.count), bytes.substr(from, r.got)) << r.at;
+    }
 }
 
 TEST(FileIO, CopyKeepsBytesAndTimeAndNeverReplacesAFile) {
