@@ -51,10 +51,12 @@ std::uintmax_t InputFile::size() const {
     struct stat st {};
     if (::fstat(static_cast<int>(handle_), &st) != 0) fail(errno, path_);
     if (!S_ISBLK(st.st_mode)) return static_cast<std::uintmax_t>(st.st_size);
-    // A block device reports no size of its own; its end is its medium's.
-    const off_t end = ::lseek(static_cast<int>(handle_), 0, SEEK_END);
-    if (end < 0) fail(errno, path_);
-    ::lseek(static_cast<int>(handle_), 0, SEEK_SET);
+    // A block device reports no size of its own; its end is its medium's. The position
+    // sequential reads stand at is kept.
+    const int fd = static_cast<int>(handle_);
+    const off_t here = ::lseek(fd, 0, SEEK_CUR);
+    const off_t end = ::lseek(fd, 0, SEEK_END);
+    if (here < 0 || end < 0 || ::lseek(fd, here, SEEK_SET) < 0) fail(errno, path_);
     return static_cast<std::uintmax_t>(end);
 }
 

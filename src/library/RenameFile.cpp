@@ -90,10 +90,15 @@ Plan stickPlan(std::string_view name) {
     const std::string prefix = toUpperAscii(utf8Left(name, 5));
     const char first = name.empty() ? '\0' : name.front();
     const Series family = first == 'S' ? Series::SU : first == 'A' ? Series::A : Series::E;
-    if (prefix == "SUPSE" || prefix == "APSET" || prefix == "EPSET")
-        return numberPlan(family, FileKind::Preset, family == Series::SU);
-    if (prefix == "SUSON" || prefix == "ASONG" || prefix == "ESONG")
-        return numberPlan(family, FileKind::Recording, false);
+    // A numbered name is told by the first five letters of a family's prefix ("SUPSE"),
+    // its family by its first letter as it stands.
+    for (const bool song : {false, true}) {
+        for (const Series f : {Series::SU, Series::A, Series::E}) {
+            if (prefix != utf8Left(organPrefix(f, song), 5)) continue;
+            return song ? numberPlan(family, FileKind::Recording, false)
+                        : numberPlan(family, FileKind::Preset, family == Series::SU);
+        }
+    }
     const FileKind kind = fileKind(soleExtension(name));
     const std::size_t limit = kind == FileKind::Midi || kind == FileKind::Mp3 ? 18 : 254;
     return namePlan(Flow::FileName, limit, "Enter a new name for ");
