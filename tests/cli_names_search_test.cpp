@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "app/Text.h"
-#include "organfiles/MakeFiles.h"
+#include "support/OrganBytes.h"
 #include "support/TempTree.h"
 
 namespace tvk {
@@ -22,9 +22,7 @@ struct TvkNames : ::testing::Test {
 };
 
 TEST_F(TvkNames, EditNamesCommitsAndPrintsTheView) {
-    RandomSource random(2);
-    const std::string original = buildTestFile(Series::A, FileKind::Preset, "Old", random);
-    tree.write("APSET001.LPG", original);
+    tree.write("APSET001.LPG", test::generatedOrganFile(Series::A, FileKind::Preset, "Old", 2));
     ASSERT_EQ(run({"edit-names", file("APSET001.LPG"), "--file-name", "New Name", "A0=Tuba",
                    "E10=Sixteen chars ok"}),
               0)
@@ -57,8 +55,7 @@ TEST_F(TvkNames, EditNamesCommitsAndPrintsTheView) {
 }
 
 TEST_F(TvkNames, SearchAnswersOnTheConsole) {
-    RandomSource random(2);
-    tree.write("s/EPSET001.EPG", buildTestFile(Series::E, FileKind::Preset, "Mine", random));
+    tree.write("s/EPSET001.EPG", test::generatedOrganFile(Series::E, FileKind::Preset, "Mine", 2));
     // Every generated name is shorter than its field, so each holds a space: Yes, then
     // No ends the search with two boxes and no summary.
     ASSERT_EQ(run({"search", " ", "--presets", "--folder", file("s")}, "Yes\nNo\n"), 0) << out;

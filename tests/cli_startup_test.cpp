@@ -47,11 +47,5 @@ TEST(TvkStartup, TracedStartInAnEmptyHomeBuildsTheLibraryAndTheLog) {
     test::forgetInstallationRecord();
 }
 
-TEST(TvkVersion, PrintsTheProgramVersion) {
-    const auto run = test::runTvk({"--version"});
-    ASSERT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.output, "2021.0922.1101\n");
-}
-
 }  // namespace
 }  // namespace tvk

@@ -5,9 +5,8 @@
 
 #include "app/IniFile.h"
 #include "app/Text.h"
-#include "organfiles/MakeFiles.h"
 #include "support/DriveImages.h"
-#include "support/TempTree.h"
+#include "support/OrganBytes.h"
 
 namespace tvk {
 namespace {
@@ -18,9 +17,8 @@ TEST(TvkTransfer, TheFiveCommandsAndAutoBackup) {
     const auto lib = home.mkdir("Documents/Tavrin File Manager");
     const auto image = test::makeImage(home, "stick.img", {"fat16", 32, "ORGAN", "1234ABCD"});
     test::fillTavrin(home, image, {"TUNE.MID"});
-    RandomSource random(5);
     const auto preset =
-        home.write("Bells.bin", buildTestFile(Series::SU, FileKind::Preset, "Bells", random));
+        home.write("Bells.bin", test::generatedOrganFile(Series::SU, FileKind::Preset, "Bells", 5));
     ASSERT_EQ(test::runCommand("MTOOLS_SKIP_CHECK=1 mcopy -i '" + pathToUtf8(image) + "' '" +
                                pathToUtf8(preset) + "' ::TAVRIN/SUPSET01.LPG"),
               0);

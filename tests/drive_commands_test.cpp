@@ -32,9 +32,7 @@ TEST(VolumeRename, AnswersBecomeElevenUpperCaseCharacters) {
 
 TEST(VolumeRename, ImageDriveGetsTheNewLabelOrSaysWhyNot) {
     TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "OLD NAME", "0000BEEF"});
-    ImageDriveContext drives({image});
+    test::ImageStick drives({"fat16", 32, "OLD NAME", "0000BEEF"});
     Context ctx = drives.ctx();
     fs::create_directory(drives.root() / "TAVRIN");
     ScanForUSBs(ctx);
@@ -48,8 +46,8 @@ TEST(VolumeRename, ImageDriveGetsTheNewLabelOrSaysWhyNot) {
     EXPECT_EQ(drives.ui.shown.at(0).icon, Icon::Question);
     EXPECT_EQ(ctx.state.drive.volumeName, "NEW ORGAN S");
     EXPECT_EQ(drives.ui.status[StatusPanel::Drive],
-              "Volume Name: NEW ORGAN S  Serial Number:BEEF  DevID:" + pathToUtf8(image));
-    EXPECT_EQ(probeVolume(image)->label, "NEW ORGAN S");
+              "Volume Name: NEW ORGAN S  Serial Number:BEEF  DevID:" + pathToUtf8(drives.image));
+    EXPECT_EQ(probeVolume(drives.image)->label, "NEW ORGAN S");
     // Still the same stick with its files, now under a name that wants a new mirror folder.
     EXPECT_TRUE(fs::is_directory(drives.root() / "TAVRIN"));
 
@@ -58,7 +56,7 @@ TEST(VolumeRename, ImageDriveGetsTheNewLabelOrSaysWhyNot) {
     drives.ui.expectPrompt("RENAME VOLUME", "").expectPrompt("RENAME VOLUME", std::nullopt);
     for (int i = 0; i < 3; ++i) btnRenameVol_Click(ctx);
     EXPECT_TRUE(drives.ui.done());
-    EXPECT_EQ(probeVolume(image)->label, "NEW ORGAN S");
+    EXPECT_EQ(probeVolume(drives.image)->label, "NEW ORGAN S");
 
     // A label the file system refuses is reported and the old one stays.
     drives.ui.expectPrompt("RENAME VOLUME", "gr\xC3\xBCn")
@@ -70,7 +68,7 @@ TEST(VolumeRename, ImageDriveGetsTheNewLabelOrSaysWhyNot) {
         drives.ui.shown.back().text.rfind("The volume name was not changed to \"GR\xC3\x9CN\".", 0),
         0u);
     EXPECT_EQ(ctx.state.drive.volumeName, "NEW ORGAN S");
-    EXPECT_EQ(probeVolume(image)->label, "NEW ORGAN S");
+    EXPECT_EQ(probeVolume(drives.image)->label, "NEW ORGAN S");
     EXPECT_TRUE(ctx.state.drive.present);
 }
 
@@ -89,9 +87,7 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.recipe.label);
-        TempTree tree;
-        const auto image = test::makeImage(tree, "stick.img", c.recipe);
-        ImageDriveContext drives({image});
+        test::ImageStick drives(c.recipe);
         Context ctx = drives.ctx();
         if (c.holdsFiles) {
             fs::create_directory(drives.root() / "TAVRIN");
@@ -103,7 +99,7 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
         }
         ScanForUSBs(ctx);
         drives.ui.shown.clear();
-        const auto serialBefore = probeVolume(image)->serialNumber;
+        const auto serialBefore = probeVolume(drives.image)->serialNumber;
 
         drives.ui.expect("FORMAT THUMBDRIVE", c.answer);
         mnuFileFormat_Click(ctx);
@@ -120,7 +116,7 @@ TEST(VolumeFormat, ImageDriveIsFormattedFatKeepingItsLabel) {
                         "format this thumbdrive currently known as \r" +
                             where);
         EXPECT_EQ(box.defaultAnswer(), Answer::No);
-        const auto after = probeVolume(image);
+        const auto after = probeVolume(drives.image);
         EXPECT_EQ(after->fileSystemName, c.fileSystemAfter);
         EXPECT_EQ(after->label, c.recipe.label);
         const bool formatted = c.answer == Answer::Yes;

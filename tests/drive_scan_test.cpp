@@ -12,9 +12,9 @@
 #include "app/Text.h"
 #include "drive/ImageDrives.h"
 #include "drive/ScanForUSBs.h"
-#include "library/TransferCommands.h"
 #include "drive/VolumeHelpers.h"
 #include "drive/VolumeProbe.h"
+#include "library/TransferCommands.h"
 #include "support/DriveImages.h"
 #include "support/FakeVolumes.h"
 
@@ -26,10 +26,11 @@ using test::ImageDriveContext;
 using test::ImageRecipe;
 using test::TempTree;
 
-std::vector<bool> transferButtons(const MainState& s) {
-    std::vector<bool> on;
+// The five transfer buttons, '1' for each one enabled.
+std::string transferButtons(const MainState& s) {
+    std::string on;
     for (int i = 0; i < kTransferButtons; ++i)
-        on.push_back(s.isEnabled(controlName("btnUSB_Docs", i)));
+        on += s.isEnabled(controlName("btnUSB_Docs", i)) ? '1' : '0';
     return on;
 }
 
@@ -37,33 +38,19 @@ TEST(DriveScan, AcceptedFatSticksEnableTheirCommands) {
     TVK_REQUIRE_FUSE();
     struct Case {
         ImageRecipe recipe;
-        std::vector<std::string> files;
+        const char* files;
         bool mirrorFolder;
-        std::string fileSystem, serialHex, items;
-        std::vector<bool> buttons;
+        std::string fileSystem, serialHex, items, buttons;
     };
     const Case cases[] = {
-        {{"fat32", 40, "ORGAN STICK", "00C0FFEE"},
-         {"SUPSET01.LPG", "ESONG001.EMR", "A.MID"},
-         false,
-         "FAT32",
-         "C0FFEE",
-         "2 items",
-         {false, false, true, true, true}},
-        {{"fat16", 32, "SMALL", "12345678"},
-         {},
-         true,
-         "FAT",
-         "12345678",
-         "0 items",
-         {true, true, true, true, true}},
+        {ImageRecipe("fat32", 40, "ORGAN STICK", "00C0FFEE"), "SUPSET01.LPG|ESONG001.EMR|A.MID",
+         false, "FAT32", "C0FFEE", "2 items", "00111"},
+        {ImageRecipe("fat16", 32, "SMALL", "12345678"), "", true, "FAT", "12345678", "0 items",
+         "11111"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.recipe.kind);
-        TempTree tree;
-        const auto image = test::makeImage(tree, "stick.img", c.recipe);
-        test::fillTavrin(tree, image, c.files);
-        ImageDriveContext drives({image});
+        test::ImageStick drives(c.recipe, test::split(c.files));
         if (c.mirrorFolder)
             fs::create_directories(drives.session->paths.libraryRoot /
                                    mirrorFolderName(c.recipe.label, c.serialHex));
@@ -78,21 +65,19 @@ TEST(DriveScan, AcceptedFatSticksEnableTheirCommands) {
         EXPECT_EQ(d.root, drives.root());
         EXPECT_EQ(drives.ui.status[StatusPanel::Drive], "Volume Name: " + c.recipe.label +
                                                             "  Serial Number:" + c.serialHex +
-                                                            "  DevID:" + pathToUtf8(image));
+                                                            "  DevID:" + pathToUtf8(drives.image));
         EXPECT_EQ(drives.ui.status[StatusPanel::Progress], c.items);
         EXPECT_EQ(ctx.state.usbPattern, "*.*");
         EXPECT_EQ(transferButtons(ctx.state), c.buttons);
         EXPECT_TRUE(ctx.state.isEnabled("btnRenameVol"));
-        EXPECT_EQ(ctx.state.isEnabled("btnSort"), !c.files.empty());
+        EXPECT_EQ(ctx.state.isEnabled("btnSort"), *c.files != 0);
     }
 }
 
 TEST(DriveScan, MissingTavrinFolderIsCreatedOnlyWhenTheUserSaysYes) {
     TVK_REQUIRE_FUSE();
     for (const Answer answer : {Answer::Yes, Answer::No}) {
-        TempTree tree;
-        const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "NO FOLDER", ""});
-        ImageDriveContext drives({image});
+        test::ImageStick drives({"fat16", 32, "NO FOLDER", ""});
         Context ctx = drives.ctx();
         drives.ui.expect("NO TAVRIN FOLDER", answer);
         ScanForUSBs(ctx);
@@ -118,10 +103,7 @@ TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOffAndIsNotBackedUp) {
          {Case{"", true, ScanOutcome::Refused}, Case{"BACKUP", false, ScanOutcome::Accepted},
           Case{"BACKUP", true, ScanOutcome::AutoBackupWanted}}) {
         SCOPED_TRACE(c.label + (c.autoBackup ? " auto" : ""));
-        TempTree tree;
-        const auto image = test::makeImage(tree, "stick.img", {"fat32", 40, c.label, ""});
-        test::fillTavrin(tree, image, {});
-        ImageDriveContext drives({image});
+        test::ImageStick drives({"fat32", 40, c.label, ""}, std::vector<std::string>{});
         Context ctx = drives.ctx();
         ctx.settings.autoBackup = c.autoBackup;
         if (c.label.empty()) drives.ui.expect("TVK");
@@ -129,7 +111,7 @@ TEST(DriveScan, UnnamedStickKeepsTheTransferButtonsOffAndIsNotBackedUp) {
         EXPECT_TRUE(ctx.state.isEnabled("btnRenameVol"));
         if (!c.label.empty()) continue;
         EXPECT_EQ(drives.ui.shown.at(0).text, "The attached thumbdrive needs a Volume Name.");
-        EXPECT_EQ(transferButtons(ctx.state), std::vector<bool>(5, false));
+        EXPECT_EQ(transferButtons(ctx.state), "00000");
     }
 }
 
@@ -145,9 +127,7 @@ TEST(DriveScan, OtherFileSystemsAreOfferedAFormatOnlyWhenEmpty) {
                           {{"exfat", 20, "EXSTICK", ""}, "exFAT", true}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.recipe.kind + (c.holdsFiles ? " with files" : " empty"));
-        TempTree tree;
-        const auto image = test::makeImage(tree, "stick.img", c.recipe);
-        ImageDriveContext drives({image});
+        test::ImageStick drives(c.recipe);
         Context ctx = drives.ctx();
         if (c.holdsFiles) test::writeFile(drives.root() / "song.mp3", "x");
         drives.ui.expect(c.holdsFiles ? "TVK" : "WRONG FILE SYSTEM",
@@ -163,15 +143,13 @@ TEST(DriveScan, OtherFileSystemsAreOfferedAFormatOnlyWhenEmpty) {
                             "this thumbdrive to the correct File System?");
         EXPECT_EQ(ctx.state.usbPattern, "*.nothing");
         EXPECT_FALSE(ctx.state.drive.present);
-        EXPECT_EQ(probeVolume(image)->fileSystemName, c.fileSystem);
+        EXPECT_EQ(probeVolume(drives.image)->fileSystemName, c.fileSystem);
     }
 }
 
 TEST(DriveScan, EmptyExfatStickFormattedOnYesComesBackAsFatWithTavrin) {
     TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"exfat", 20, "EXSTICK", ""});
-    ImageDriveContext drives({image});
+    test::ImageStick drives({"exfat", 20, "EXSTICK", ""});
     Context ctx = drives.ctx();
     drives.ui.expect("WRONG FILE SYSTEM", Answer::Yes).expect("FORMAT THUMBDRIVE", Answer::Yes);
     ScanForUSBs(ctx);
@@ -185,10 +163,7 @@ TEST(DriveScan, EmptyExfatStickFormattedOnYesComesBackAsFatWithTavrin) {
 
 TEST(DriveScan, PulledStickArrivesAsANoticeAndLeavesNoDrive) {
     TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "GONE", ""});
-    test::fillTavrin(tree, image, {"SUPSET01.LPG"});
-    ImageDriveContext drives({image});
+    test::ImageStick drives({"fat16", 32, "GONE", ""}, {{"SUPSET01.LPG"}});
     Context ctx = drives.ctx();
     ScanForUSBs(ctx);
     ASSERT_TRUE(ctx.state.drive.present);
@@ -201,7 +176,7 @@ TEST(DriveScan, PulledStickArrivesAsANoticeAndLeavesNoDrive) {
     const auto notices = volumes.takeNotices();
     ASSERT_EQ(notices.size(), 1u);
     EXPECT_EQ(notices[0].kind, DeviceNotice::Kind::Removal);
-    EXPECT_EQ(notices[0].deviceId, pathToUtf8(image));
+    EXPECT_EQ(notices[0].deviceId, pathToUtf8(drives.image));
     EXPECT_FALSE(waitForNotices(volumes, 0));
 
     SysInfo1_DeviceRemoveComplete(ctx, notices[0]);

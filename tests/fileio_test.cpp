@@ -1,5 +1,5 @@
-// The file-I/O layer on real folders and on real FAT images: what is left on disk when
-// a write or a copy fails, and the classic error numbers users see.
+// The file-I/O layer on real folders: what is left on disk when a write or a copy fails,
+// and the classic error numbers users see. Full and pulled sticks: library_copy_test.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -8,7 +8,6 @@
 #include "app/FileIO.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
-#include "support/DriveImages.h"
 #include "support/TempTree.h"
 
 namespace tvk {
@@ -120,46 +119,6 @@ TEST(FileIO, CopyKeepsBytesAndTimeAndNeverReplacesAFile) {
                   [&] { renameNoReplace(tree.path("dst/Organ.LPG"), tree.path("dst/Taken.LPG")); }),
               kErrFileAlreadyExists);
     EXPECT_EQ(tree.list("dst"), (std::vector<std::string>{"Organ.LPG", "Taken.LPG"}));
-}
-
-// A full stick and a pulled stick: the copy fails with the classic number and no file,
-// whole or partial, is left under the organ name.
-TEST(FileIO, CopyOntoAFullOrPulledStickLeavesNoPartialFile) {
-    TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto source = tree.write("big.MP3", std::string(3 << 20, 'm'));
-    const struct {
-        const char* kind;
-        int sizeMiB;
-        bool pull;
-        int expected;
-    } cases[] = {
-        {"fat12", 1, false, kErrDiskFull},
-        {"fat16", 32, true, kErrDiskNotReady},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.pull ? "pulled" : "full");
-        const auto image =
-            test::makeImage(tree, std::string(c.kind) + ".img", {c.kind, c.sizeMiB, "STICK", ""});
-        test::fillTavrin(tree, image, {"SUPSET01.LPG"});
-        {
-            test::ImageDriveContext drive({image});
-            const auto tavrin = drive.root() / "TAVRIN";
-            const int number = errorNumberOf([&] {
-                copyFileSafely(source, tavrin / "SONG.MP3",
-                               [&](std::uintmax_t done, std::uintmax_t) {
-                                   if (c.pull && done >= (1u << 20)) test::pullImage(drive.root());
-                               });
-            });
-            EXPECT_EQ(number, c.expected);
-        }
-        // Read the image itself: the organ must find no SONG.MP3 of any size.
-        std::string listing;
-        test::runCommand("MTOOLS_SKIP_CHECK=1 mdir -b -i '" + pathToUtf8(image) + "' ::TAVRIN",
-                         &listing);
-        EXPECT_NE(listing.find("SUPSET01.LPG"), std::string::npos) << listing;
-        EXPECT_EQ(listing.find("SONG.MP3"), std::string::npos) << listing;
-    }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Edit > Delete, File > Empty Bin, Edit > New Folder, File > Convert and File > Print
 // Preset Pool: what ends up where, the boxes on the way, and a stick pulled mid-delete.
+// The desktop trash itself: common_routines_test.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,6 @@ namespace tvk {
 namespace {
 
 namespace fs = std::filesystem;
-using test::TempTree;
 
 struct FileCommandsTest : test::SessionTest {
     FileCommandsTest() { session.paths.libraryRoot = tree.mkdir("lib"); }
@@ -172,41 +172,10 @@ TEST_F(FileCommandsTest, PresetListIsWrittenQuotedAndSorted) {
               "folder.");
 }
 
-TEST(DeleteToTrash, LibraryFilesGoToTheDesktopTrash) {
-    TVK_LINUX_ONLY("the freedesktop trash under XDG_DATA_HOME; Windows uses the shell's bin");
-    TempTree tree;
-    test::ScopedEnv data("XDG_DATA_HOME", pathToUtf8(tree.mkdir("data")));
-    test::ScriptedInteraction ui;
-    Session session(makePlatformSystem(), ui);
-    Context ctx = session.context();
-    const fs::path folder = tree.mkdir("lib");
-    tree.write("lib/Waltz.SPG", "w");
-    ui.expect("DELETE FILE", Answer::Yes);
-    mnuEditDelete_Click(ctx, {ListControl::flbDocs, folder, {"Waltz.SPG"}});
-    EXPECT_FALSE(tree.exists("lib/Waltz.SPG"));
-    EXPECT_EQ(tree.read("data/Trash/files/Waltz.SPG"), "w");
-    EXPECT_NE(tree.read("data/Trash/info/Waltz.SPG.trashinfo").find("Path=" + pathToUtf8(folder)),
-              std::string::npos);
-}
-
-// Pulls the stick when the progress bar reaches `at`.
-struct PullingInteraction : test::ScriptedInteraction {
-    fs::path mountPoint;
-    int at = 0;
-    void setProgress(int value) override {
-        ScriptedInteraction::setProgress(value);
-        if (value == at) test::pullImage(mountPoint);
-    }
-};
-
 TEST(DeleteFromStick, FilesGoToTheProgramsBinAndAPulledStickLosesNothing) {
     TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "ORGAN", "0000D00D"});
-    const std::vector<std::string> files = {"SUPSET01.LPG", "SUPSET02.LPG", "SUPSET03.LPG",
-                                            "SUPSET04.LPG"};
-    test::fillTavrin(tree, image, files);
-    test::ImageDriveContext drives({image});
+    test::ImageStick drives({"fat16", 32, "ORGAN", "0000D00D"},
+                            {{"SUPSET01.LPG", "SUPSET02.LPG", "SUPSET03.LPG", "SUPSET04.LPG"}});
     Context ctx = drives.ctx();
     const fs::path bin = drives.session->paths.recycleBin();
     fs::create_directories(bin);
@@ -220,26 +189,21 @@ TEST(DeleteFromStick, FilesGoToTheProgramsBinAndAPulledStickLosesNothing) {
     EXPECT_EQ(test::readFile(bin / "SUPSET01.LPG"), "older");
 
     // Pulled after the first of three: the rest fail (71) and stay on the stick.
-    PullingInteraction pulling;
-    pulling.mountPoint = drives.root();
-    pulling.at = 2;
-    pulling.lenient = true;
-    pulling.expect("DELETE FILE", Answer::Yes);
-    Session& s = *drives.session;
-    Context pulled{s.trace, s.settings, pulling, *s.system, s.paths, s.state, s.volumes.get()};
+    drives.ui.lenient = true;
+    drives.ui.onProgress = [root = drives.root()](int value) {
+        if (value == 2) test::pullImage(root);
+    };
+    drives.ui.shown.clear();
+    drives.ui.expect("DELETE FILE", Answer::Yes);
     const auto report = mnuEditDelete_Click(
-        pulled, {ListControl::flbUSB, tavrin, {"SUPSET02.LPG", "SUPSET03.LPG", "SUPSET04.LPG"}});
+        ctx, {ListControl::flbUSB, tavrin, {"SUPSET02.LPG", "SUPSET03.LPG", "SUPSET04.LPG"}});
     EXPECT_EQ(report.deleted, std::vector<std::string>{"SUPSET02.LPG"});
-    ASSERT_GE(pulling.shown.size(), 2u);
-    EXPECT_NE(pulling.shown.at(1).text.find("Err#71"), std::string::npos);
+    ASSERT_GE(drives.ui.shown.size(), 2u);
+    EXPECT_NE(drives.ui.shown.at(1).text.find("Err#71"), std::string::npos);
 
     drives.session->volumes.reset();  // lets go of the dead mount
-    test::ImageDriveContext again({image});
-    std::vector<std::string> left;
-    for (const auto& e : fs::directory_iterator(again.root() / "TAVRIN"))
-        left.push_back(fileNameUtf8(e.path()));
-    std::sort(left.begin(), left.end());
-    EXPECT_EQ(left, (std::vector<std::string>{"SUPSET03.LPG", "SUPSET04.LPG"}));
+    EXPECT_EQ(test::imageNames(drives.image, "TAVRIN"),
+              (std::vector<std::string>{"SUPSET03.LPG", "SUPSET04.LPG"}));
 }
 
 }  // namespace

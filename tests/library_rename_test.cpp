@@ -36,11 +36,6 @@ struct RenameTest : test::SessionTest {
         EXPECT_TRUE(ui.done()) << file;
         return report;
     }
-    std::vector<std::string> texts() const {
-        std::vector<std::string> out;
-        for (const auto& m : ui.shown) out.push_back(m.text);
-        return out;
-    }
 };
 
 TEST_F(RenameTest, EveryRowOfBothListsBuildsItsName) {
@@ -119,7 +114,7 @@ TEST_F(RenameTest, NumbersOutsideTheRowAreAskedAgain) {
         std::vector<std::string> expected;
         if (c.tooLarge) expected.assign(bad.size(), c.tooLarge);
         expected.push_back("Number not changed");
-        EXPECT_EQ(texts(), expected);
+        EXPECT_EQ(ui.texts(), expected);
         EXPECT_EQ(tree.list("lib"), std::vector<std::string>{c.renamed});
         fs::remove(folder / c.renamed);
     }
@@ -127,7 +122,7 @@ TEST_F(RenameTest, NumbersOutsideTheRowAreAskedAgain) {
     tree.write("lib/SUSONG01.LMR", "x");
     ui.shown.clear();
     rename("flbDocs", "SUSONG01.LMR", {"41", "40"});
-    EXPECT_EQ(texts(), std::vector<std::string>{"Number too Large. 1 to 40"});
+    EXPECT_EQ(ui.texts(), std::vector<std::string>{"Number too Large. 1 to 40"});
     EXPECT_TRUE(tree.exists("lib/SUSONG40.LMR"));
 }
 
@@ -211,7 +206,7 @@ TEST_F(RenameTest, NameAnswersAreCheckedBeforeAnythingChanges) {
         tree.write(std::string("lib/") + c.file, organBytes(Series::A));
         ui.shown.clear();
         rename(c.list, c.file, c.answers);
-        EXPECT_EQ(texts(), c.boxes);
+        EXPECT_EQ(ui.texts(), c.boxes);
         const std::string now = c.renamed ? c.renamed : c.file;
         EXPECT_EQ(tree.list("lib"), std::vector<std::string>{now});
         fs::remove(folder / pathFromUtf8(now));
@@ -219,7 +214,8 @@ TEST_F(RenameTest, NameAnswersAreCheckedBeforeAnythingChanges) {
     // The inside name is Windows-1252, one byte a character.
     tree.write("lib/Waltz.SPG", organBytes(Series::A));
     rename("flbDocs", "Waltz.SPG", {"Caf\xC3\xA9"});
-    EXPECT_EQ(readFileHead(folder / pathFromUtf8("Caf\xC3\xA9.SPG"), 48).substr(32), "Caf\xE9           #");
+    EXPECT_EQ(readFileHead(folder / pathFromUtf8("Caf\xC3\xA9.SPG"), 48).substr(32),
+              "Caf\xE9           #");
 }
 
 TEST_F(RenameTest, RefusedNamesAndUnwritablePresetsLeaveTheFileAsItWas) {
@@ -279,10 +275,8 @@ TEST_F(RenameTest, RefusedNamesAndUnwritablePresetsLeaveTheFileAsItWas) {
 
 TEST(RenameOnStick, CaseOnlyChangesAndRenumberingWorkOnFat) {
     TVK_REQUIRE_FUSE();
-    test::TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"fat16", 32, "ORGAN", "00C0FFEE"});
-    test::fillTavrin(tree, image, {"X.MP3", "SUPSET07.LPG", "SUPSET08.LPG"});
-    test::ImageDriveContext drives({image});
+    test::ImageStick drives({"fat16", 32, "ORGAN", "00C0FFEE"},
+                            {{"X.MP3", "SUPSET07.LPG", "SUPSET08.LPG"}});
     Context ctx = drives.ctx();
     const auto tavrin = drives.root() / "TAVRIN";
 
@@ -292,10 +286,8 @@ TEST(RenameOnStick, CaseOnlyChangesAndRenumberingWorkOnFat) {
     drives.ui.expectPrompt("RENAME FILE", "9");
     EXPECT_TRUE(mnuFileRename_Click(ctx, {ListControl::flbUSB, tavrin, "SUPSET07.LPG"}).renamed);
     EXPECT_TRUE(drives.ui.done());
-    std::vector<std::string> names;
-    for (const auto& e : fs::directory_iterator(tavrin)) names.push_back(fileNameUtf8(e.path()));
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::string>{"SUPSET08.LPG", "SUPSET09.LPG", "x.MP3"}));
+    EXPECT_EQ(test::listNames(tavrin),
+              (std::vector<std::string>{"SUPSET08.LPG", "SUPSET09.LPG", "x.MP3"}));
 }
 
 }  // namespace

@@ -13,30 +13,24 @@
 #include "drive/ScanForUSBs.h"
 #include "library/SortFiles.h"
 #include "library/SortJournal.h"
-#include "organfiles/OrganFile.h"
 #include "support/DriveImages.h"
+#include "support/OrganBytes.h"
 
 namespace tvk {
 namespace {
 
 namespace fs = std::filesystem;
+using test::Files;
 using test::ImageDriveContext;
-using Files = std::map<std::string, std::string>;  // name -> bytes
 
 constexpr const char* kSortTitle = "SORT PRESET AND RECORDING NAMES";
 
 // A preset or recording as the organ writes it; the tail makes every file's bytes unique.
-std::string organBytes(Series family, FileKind kind, const std::string& insideName) {
-    std::string name = insideName;
-    name.resize(kNameWidth, ' ');
-    return organHeader(family) + name + (kind == FileKind::Preset ? "Preset " : "Song   ") + "   " +
-           insideName + "\r\n";
-}
 std::string preset(Series family, const std::string& name) {
-    return organBytes(family, FileKind::Preset, name);
+    return test::organHead(family, name, "Preset    " + name + "\r\n");
 }
 std::string song(Series family, const std::string& name) {
-    return organBytes(family, FileKind::Recording, name);
+    return test::organHead(family, name, "Song      " + name + "\r\n");
 }
 
 // A FAT stick holding a TAVRIN folder, attached as the window attaches it, whose library
@@ -82,12 +76,7 @@ class SortStick {
     const fs::path& image() const { return image_; }
     const test::TempTree& tree() const { return tree_; }
 
-    Files contents() {
-        Files files;
-        for (const auto& name : folderEntries(folder()))
-            files[name] = test::readFile(folder() / name);
-        return files;
-    }
+    Files contents() { return test::snapshot(folder()); }
 
   private:
     test::TempTree tree_;
@@ -96,13 +85,12 @@ class SortStick {
     std::optional<Context> ctx_;
 };
 
-// What `before` must look like after the sort: each old name replaced by its new one.
-Files renamed(const Files& before, const std::map<std::string, std::string>& newNames) {
-    Files after;
-    for (const auto& [name, bytes] : before) {
-        const auto it = newNames.find(name);
-        after[it == newNames.end() ? name : it->second] = bytes;
-    }
+// What `before` must look like after the sort: each old name replaced by its new one
+// ("old>new|..."; files not listed keep their names).
+Files renamed(const Files& before, std::string_view newNames) {
+    Files after = before;
+    for (const auto& [from, to] : test::pairs(newNames)) after.erase(from);
+    for (const auto& [from, to] : test::pairs(newNames)) after[to] = before.at(from);
     return after;
 }
 
@@ -111,18 +99,16 @@ TEST(Sort, NumbersEachGroupAlphabeticallyAndLeavesOtherFilesAlone) {
     struct Case {
         const char* what;
         Files files;
-        std::map<std::string, std::string> newNames;  // files not listed keep their names
-        std::vector<std::string> leftAlone;
+        const char* newNames;
+        const char* leftAlone;
     };
     const Case cases[] = {
         {"capitals before small letters",
          {{"SUPSET01.LPG", preset(Series::SU, "Zebra")},
           {"SUPSET02.LPG", preset(Series::SU, "apple")},
           {"SUPSET03.LPG", preset(Series::SU, "Apple")}},
-         {{"SUPSET01.LPG", "SUPSET02.LPG"},
-          {"SUPSET02.LPG", "SUPSET03.LPG"},
-          {"SUPSET03.LPG", "SUPSET01.LPG"}},
-         {}},
+         "SUPSET01.LPG>SUPSET02.LPG|SUPSET02.LPG>SUPSET03.LPG|SUPSET03.LPG>SUPSET01.LPG",
+         ""},
         {"six groups, each from 1; SU recordings get three digits",
          {{"EPSET005.EPG", preset(Series::E, "Bass")},
           {"MY SU.SPG", preset(Series::SU, "Organ")},
@@ -140,18 +126,12 @@ TEST(Sort, NumbersEachGroupAlphabeticallyAndLeavesOtherFilesAlone) {
           {"EMPTY.LMR", ""},
           {"tune.mp3", "ID3"},
           {"song.mid", "MThd"}},
-         {{"EPSET005.EPG", "EPSET001.EPG"},
-          {"MY SU.SPG", "SUPSET02.LPG"},
-          {"SUPSET09.LPG", "SUPSET01.LPG"},
-          {"APSET002.LPG", "APSET003.LPG"},
-          {"x.APG", "APSET002.LPG"},
-          {"MYSET.LPG", "APSET001.LPG"},
-          {"MYSONG.LMR", "ESONG001.EMR"},
-          {"SONG.SMR", "SUSONG002.LMR"},
-          {"SUSONG07.LMR", "SUSONG001.LMR"},
-          {"ASONG003.LMR", "ASONG001.LMR"},
-          {"E.EMR", "ESONG002.EMR"}},
-         {"BROKEN.LPG", "PHOTO.JPG", "EMPTY.LMR"}},
+         "EPSET005.EPG>EPSET001.EPG|MY SU.SPG>SUPSET02.LPG|SUPSET09.LPG>SUPSET01.LPG|"
+         "APSET002.LPG>APSET003.LPG|x.APG>APSET002.LPG|MYSET.LPG>APSET001.LPG|"
+         "MYSONG.LMR>ESONG001.EMR|SONG.SMR>SUSONG002.LMR|SUSONG07.LMR>SUSONG001.LMR|"
+         "ASONG003.LMR>ASONG001.LMR|E.EMR>ESONG002.EMR",
+         "BROKEN.LPG|PHOTO.JPG|EMPTY.LMR"},
+        // "A¨B" sorts before "AØB"; equal names change places.
         {"names that are each other's targets; equal, empty and illegal inside names",
          {{"SUPSET01.LPG", preset(Series::SU, "Zulu")},
           {"SUPSET02.LPG", preset(Series::SU, "Alpha")},
@@ -159,14 +139,10 @@ TEST(Sort, NumbersEachGroupAlphabeticallyAndLeavesOtherFilesAlone) {
           {"EPSET002.EPG", preset(Series::E, "A/B")},
           {"EPSET003.EPG", preset(Series::E, "   ")},
           {"EPSET004.EPG", preset(Series::E, "A/B")}},
-         {{"SUPSET01.LPG", "SUPSET02.LPG"},
-          {"SUPSET02.LPG", "SUPSET01.LPG"},
-          {"EPSET001.EPG", "EPSET002.EPG"},  // "A¨B" sorts before "AØB"
-          {"EPSET002.EPG", "EPSET004.EPG"},  // equal names change places
-          {"EPSET003.EPG", "EPSET001.EPG"},
-          {"EPSET004.EPG", "EPSET003.EPG"}},
-         {}},
-        {"no presets or recordings", {{"tune.mp3", "ID3"}}, {}, {}},
+         "SUPSET01.LPG>SUPSET02.LPG|SUPSET02.LPG>SUPSET01.LPG|EPSET001.EPG>EPSET002.EPG|"
+         "EPSET002.EPG>EPSET004.EPG|EPSET003.EPG>EPSET001.EPG|EPSET004.EPG>EPSET003.EPG",
+         ""},
+        {"no presets or recordings", {{"tune.mp3", "ID3"}}, "", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -177,8 +153,9 @@ TEST(Sort, NumbersEachGroupAlphabeticallyAndLeavesOtherFilesAlone) {
         ASSERT_TRUE(stick.ui().done());
         EXPECT_TRUE(report.completed);
         EXPECT_EQ(stick.contents(), renamed(c.files, c.newNames));
+        const auto leftAlone = test::split(c.leftAlone);
         EXPECT_EQ(std::set<std::string>(report.leftAlone.begin(), report.leftAlone.end()),
-                  std::set<std::string>(c.leftAlone.begin(), c.leftAlone.end()));
+                  std::set<std::string>(leftAlone.begin(), leftAlone.end()));
         EXPECT_FALSE(fs::exists(stick.library() / "FileSorting"));
         const Message& last = stick.ui().shown.back();
         EXPECT_EQ(last.icon, Icon::Information);
@@ -191,36 +168,31 @@ TEST(Sort, NumbersEachGroupAlphabeticallyAndLeavesOtherFilesAlone) {
 // The question, every status text in the order a user sees them, and the report.
 TEST(Sort, AsksFirstThenShowsEachPhase) {
     TVK_REQUIRE_FUSE();
-    struct RecordingUi : test::ScriptedInteraction {
-        std::vector<std::string> texts;
-        void setStatus(StatusPanel panel, const std::string& text) override {
-            if (panel == StatusPanel::Progress && (texts.empty() || texts.back() != text))
-                texts.push_back(text);
-        }
-    } ui;
     SortStick stick({{"SUPSET01.LPG", preset(Series::SU, "B")},
                      {"SUPSET02.LPG", preset(Series::SU, "A")},
                      {"X.SMR", song(Series::SU, "C")}});
     stick.scan();
-    Context c = stick.ctx();
-    Context ctx{c.trace, c.settings, ui, c.system, c.paths, c.state, c.volumes};
+    auto& ui = stick.ui();
+    ui.progressTexts.clear();
     ui.expect(kSortTitle, Answer::No).expect(kSortTitle, Answer::Yes).expect(kSortTitle);
-    EXPECT_FALSE(btnSort_Click(ctx).completed);
-    EXPECT_TRUE(ui.texts.empty());
-    EXPECT_TRUE(btnSort_Click(ctx).completed);
+    EXPECT_FALSE(btnSort_Click(stick.ctx()).completed);
+    EXPECT_TRUE(ui.progressTexts.empty());
+    EXPECT_TRUE(btnSort_Click(stick.ctx()).completed);
     ASSERT_TRUE(ui.done());
+    auto& texts = ui.progressTexts;  // each text once, however often it is set
+    texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
     EXPECT_EQ(ui.shown[0].text,
               "This process will scan all Preset and Music Resording files and sort them "
               "alphabetically.\r\rThis process should only take a couple minutes.\r\rDo you "
               "want to continue?");
     EXPECT_EQ(ui.shown[0].style(), 4 + 32);
     EXPECT_EQ(ui.shown[2].text, "Sorting complete\r\rElapsed time: 0 seconds");
-    EXPECT_EQ(ui.texts, (std::vector<std::string>{
-                            "READING PRESETS: SUPSET01.LPG", "READING PRESETS: SUPSET02.LPG",
-                            "READING RECORDINGS: X.SMR", "SORTING FILES: 0%", "SORTING FILES: 33%",
-                            "UNPACKING FILES: SUPSET02.LPG", "UNPACKING FILES: SUPSET01.LPG",
-                            "UNPACKING FILES: X.SMR", "PACKING FILES: SUPSET01.LPG",
-                            "PACKING FILES: SUPSET02.LPG", "PACKING FILES: SUSONG001.LMR", ""}));
+    EXPECT_EQ(texts, (std::vector<std::string>{
+                         "READING PRESETS: SUPSET01.LPG", "READING PRESETS: SUPSET02.LPG",
+                         "READING RECORDINGS: X.SMR", "SORTING FILES: 0%", "SORTING FILES: 33%",
+                         "UNPACKING FILES: SUPSET02.LPG", "UNPACKING FILES: SUPSET01.LPG",
+                         "UNPACKING FILES: X.SMR", "PACKING FILES: SUPSET01.LPG",
+                         "PACKING FILES: SUPSET02.LPG", "PACKING FILES: SUSONG001.LMR", ""}));
     EXPECT_FALSE(ui.progressVisible);
 }
 
@@ -284,10 +256,9 @@ TEST_P(SortInterrupted, IsFinishedOrPutBackAtTheNextScan) {
     stick.scan();
     ASSERT_TRUE(stick.ui().done());
     EXPECT_TRUE(stick.ctx().state.drive.present);
-    const Files sorted = renamed(before, {{"SUPSET01.LPG", "SUPSET04.LPG"},
-                                          {"SUPSET02.LPG", "SUPSET03.LPG"},
-                                          {"SUPSET03.LPG", "SUPSET02.LPG"},
-                                          {"SUPSET04.LPG", "SUPSET01.LPG"}});
+    const Files sorted = renamed(before,
+                                 "SUPSET01.LPG>SUPSET04.LPG|SUPSET02.LPG>SUPSET03.LPG|"
+                                 "SUPSET03.LPG>SUPSET02.LPG|SUPSET04.LPG>SUPSET01.LPG");
     EXPECT_EQ(stick.contents(), c.recovery == Answer::Yes ? sorted : before);
     EXPECT_FALSE(fs::exists(stick.library() / "FileSorting"));
 }
@@ -349,9 +320,9 @@ TEST(Sort, TvkSortsAndItsScanFinishesAnInterruptedSort) {
         << out;
 
     stick.attach();
-    EXPECT_EQ(stick.contents(), renamed(unsorted, {{"SUPSET09.LPG", "SUPSET01.LPG"},
-                                                   {"SUPSET01.LPG", "SUPSET02.LPG"},
-                                                   {"SUPSET02.LPG", "SUPSET03.LPG"}}));
+    EXPECT_EQ(stick.contents(), renamed(unsorted,
+                                        "SUPSET09.LPG>SUPSET01.LPG|SUPSET01.LPG>SUPSET02.LPG|"
+                                        "SUPSET02.LPG>SUPSET03.LPG"));
 }
 
 TEST(SortJournal, ReadsBackOnlyAWholeJournal) {

@@ -4,71 +4,34 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
-#include <map>
 
 #include "app/Text.h"
 #include "drive/ScanForUSBs.h"
 #include "drive/Volumes.h"
 #include "library/TransferCommands.h"
-#include "organfiles/MakeFiles.h"
-#include "organfiles/OrganFile.h"
 #include "support/DriveImages.h"
-#include "support/FakeSystem.h"
+#include "support/OrganBytes.h"
+#include "support/SessionTest.h"
 
 namespace tvk {
 namespace {
 
 namespace fs = std::filesystem;
+using test::Files;
+using test::names;
+using test::put;
 using test::TempTree;
-using Files = std::map<std::string, std::string>;  // name (with subfolder) -> bytes
-
-struct WatchedInteraction : test::ScriptedInteraction {
-    std::function<void()> onEvents;
-    void processEvents() override {
-        ScriptedInteraction::processEvents();
-        if (onEvents) onEvents();
-    }
-};
+const auto contents = test::snapshot;
 
 std::string organ(Series family, FileKind kind, const std::string& name) {
-    RandomSource random(11);
-    return buildTestFile(family, kind, name, random);
+    return test::generatedOrganFile(family, kind, name, 11);
 }
 std::string su(const std::string& name) {
     return organ(Series::SU, FileKind::Preset, name);
 }
 
-void put(const fs::path& folder, const Files& files) {
-    for (const auto& [name, bytes] : files) {
-        fs::create_directories((folder / pathFromUtf8(name)).parent_path());
-        test::writeFile(folder / pathFromUtf8(name), bytes);
-    }
-}
-
-// Everything in a folder, subfolders included, but the program's hidden notes.
-Files contents(const fs::path& folder) {
-    Files files;
-    if (!fs::is_directory(folder)) return files;
-    for (const auto& e : fs::recursive_directory_iterator(folder))
-        if (e.is_regular_file() && !startsWith(fileNameUtf8(e.path()), "."))
-            files[pathToUtf8(fs::relative(e.path(), folder).generic_u8string())] =
-                test::readFile(e.path());
-    return files;
-}
-
-std::vector<std::string> names(const Files& files) {
-    std::vector<std::string> out;
-    for (const auto& [name, bytes] : files) out.push_back(name);
-    return out;
-}
-
 // A session whose stick is a plain folder: fast, and every name is allowed.
-struct TransferTest : ::testing::Test {
-    TempTree tree;
-    WatchedInteraction ui;
-    Session session{std::make_unique<test::FakeSystem>(), ui};
-    Context ctx = session.context();
+struct TransferTest : test::SessionTest {
     fs::path stick;
 
     TransferTest() {
@@ -79,10 +42,6 @@ struct TransferTest : ::testing::Test {
         d.volumeName = "ORGAN";
         d.serialHex = "1A2B";
         stick = tree.mkdir("stick/TAVRIN");
-    }
-    void traced() {
-        session.trace.open(tree.path("TVK_ErrorLog.txt"));
-        session.trace.debug = true;
     }
 };
 
@@ -105,35 +64,27 @@ TEST_F(TransferTest, AddAllAndThePoolsNameFilesAndNeverReplaceOne) {
     struct Case {
         TransferButton button;
         fs::path folder;
-        std::vector<std::pair<std::string, Answer>> boxes;
-        std::vector<std::string> names;  // the folder afterwards
+        const char* box;
+        Answer answer;
+        const char* names;  // the folder afterwards
     };
     const Case cases[] = {
-        {TransferButton::AddAll,
-         tree.path("lib/ORGAN - 1A2B"),
-         {{"DUPLICATE FILES", Answer::Ok}},
-         {"A\u00D8B\u00A8C\u00BF.LPG", "ESONG004.EMR", "Piano (1).LPG", "Piano.LPG", "Song.mp3",
-          "tune.mid"}},
-        {TransferButton::PoolPresets,
-         session.paths.presetPool(),
-         {{"COPY PRESETS TO POOL", Answer::Ok}},
-         {"A\u00D8B\u00A8C\u00BF.APG", "Piano.SPG", "Piano_#1.SPG", "Piano_#2.SPG"}},
-        {TransferButton::PoolRecordings,
-         session.paths.musicRecordings(),
-         {{"COPY RECORDINGS TO POOL", Answer::Ok}},
-         {"ESONG004.EMR"}},
-        {TransferButton::PoolRecordings,
-         session.paths.musicRecordings(),
-         {{"COPY RECORDINGS TO POOL", Answer::Cancel}},
-         {"ESONG004.EMR"}},
+        {TransferButton::AddAll, tree.path("lib/ORGAN - 1A2B"), "DUPLICATE FILES", Answer::Ok,
+         "A\u00D8B\u00A8C\u00BF.LPG|ESONG004.EMR|Piano (1).LPG|Piano.LPG|Song.mp3|tune.mid"},
+        {TransferButton::PoolPresets, session.paths.presetPool(), "COPY PRESETS TO POOL",
+         Answer::Ok, "A\u00D8B\u00A8C\u00BF.APG|Piano.SPG|Piano_#1.SPG|Piano_#2.SPG"},
+        {TransferButton::PoolRecordings, session.paths.musicRecordings(), "COPY RECORDINGS TO POOL",
+         Answer::Ok, "ESONG004.EMR"},
+        {TransferButton::PoolRecordings, session.paths.musicRecordings(), "COPY RECORDINGS TO POOL",
+         Answer::Cancel, "ESONG004.EMR"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(static_cast<int>(c.button));
         ui.shown.clear();
-        for (const auto& [title, answer] : c.boxes) ui.expect(title, answer);
+        ui.expect(c.box, c.answer);
         const auto report = btnUSB_Docs_Click(ctx, static_cast<int>(c.button));
         EXPECT_TRUE(ui.done());
-        EXPECT_EQ(names(contents(c.folder)), c.names);
+        EXPECT_EQ(names(contents(c.folder)), test::split(c.names));
         EXPECT_EQ(ctx.state.series, Series::All);
         EXPECT_EQ(ctx.state.selectedCategory, 0);
         EXPECT_FALSE(ui.progressVisible);
@@ -231,39 +182,28 @@ TEST_F(TransferTest, RestoreGivesOrganNamesBackAndAsksAboutATakenOne) {
         {"Strings.SPG", su("Strings")},
         {"Waltz_#001.EPG", organ(Series::E, FileKind::Preset, "Waltz")},
     };
-    // Piano_#07 meets Bright_#07 on SUPSET07.LPG.
-    const std::map<std::string, std::string> common = {{"ASONG002.LMR", "Ballad_#002.LMR"},
-                                                       {"APSET003.LPG", "Jazz_#003.LPG"},
-                                                       {"SUPSET01.LPG", "Organ_#01.LPG"},
-                                                       {"ESONG001.EMR", "Polka.EMR"},
-                                                       {"SUSONG01.LMR", "Rock_#01.SMR"},
-                                                       {"Short.LPG", "Short.LPG"},
-                                                       {"Song.mp3", "Song.mp3"},
-                                                       {"EPSET001.EPG", "Waltz_#001.EPG"}};
-    struct Case {
-        Answer answer;
-        std::map<std::string, std::string> more;  // stick name -> library name
-    };
-    const Case cases[] = {
-        {Answer::Yes,
-         {{"SUPSET07.LPG", "Bright_#07.SPG"},
-          {"SUPSET02.LPG", "Piano_#07.LPG"},
-          {"SUPSET03.LPG", "Strings.SPG"}}},
-        {Answer::No, {{"SUPSET07.LPG", "Piano_#07.LPG"}, {"SUPSET02.LPG", "Strings.SPG"}}},
-        {Answer::Cancel, {{"SUPSET07.LPG", "Bright_#07.SPG"}, {"SUPSET02.LPG", "Strings.SPG"}}},
+    // Piano_#07 meets Bright_#07 on SUPSET07.LPG. Stick name > library name:
+    const std::string common =
+        "ASONG002.LMR>Ballad_#002.LMR|APSET003.LPG>Jazz_#003.LPG|SUPSET01.LPG>Organ_#01.LPG|"
+        "ESONG001.EMR>Polka.EMR|SUSONG01.LMR>Rock_#01.SMR|Short.LPG>Short.LPG|Song.mp3>Song.mp3|"
+        "EPSET001.EPG>Waltz_#001.EPG|";
+    const std::pair<Answer, std::string> cases[] = {
+        {Answer::Yes, common + "SUPSET07.LPG>Bright_#07.SPG|SUPSET02.LPG>Piano_#07.LPG|"
+                               "SUPSET03.LPG>Strings.SPG"},
+        {Answer::No, common + "SUPSET07.LPG>Piano_#07.LPG|SUPSET02.LPG>Strings.SPG"},
+        {Answer::Cancel, common + "SUPSET07.LPG>Bright_#07.SPG|SUPSET02.LPG>Strings.SPG"},
     };
     put(mirror, library);
-    for (const auto& c : cases) {
-        SCOPED_TRACE(answerName(c.answer));
+    for (const auto& [answer, onStick] : cases) {
+        SCOPED_TRACE(answerName(answer));
         put(stick, {{"OLD.TXT", "old"}});
-        ui.expect("RESTORE THUMBDRIVE", Answer::Yes).expect("FILE ALREADY EXISTS", c.answer);
+        ui.expect("RESTORE THUMBDRIVE", Answer::Yes).expect("FILE ALREADY EXISTS", answer);
         const auto report = btnUSB_Docs_Click(ctx, 1);
         EXPECT_TRUE(ui.done());
         EXPECT_TRUE(report.completed);
         Files expected;
-        auto all = common;
-        all.insert(c.more.begin(), c.more.end());
-        for (const auto& [onStick, inLibrary] : all) expected[onStick] = library.at(inLibrary);
+        for (const auto& [name, inLibrary] : test::pairs(onStick))
+            expected[name] = library.at(inLibrary);
         EXPECT_EQ(contents(stick), expected);
         EXPECT_EQ(contents(mirror), library);
         EXPECT_FALSE(fs::exists(ctx.state.drive.root / ".tvk-restore"));
@@ -278,7 +218,7 @@ TEST_F(TransferTest, RestoreGivesOrganNamesBackAndAsksAboutATakenOne) {
 // One plug-in of a stick image: its own session on the given library, traced so that
 // Abort ends a command rather than the program.
 struct Plugged {
-    WatchedInteraction ui;
+    test::ScriptedInteraction ui;
     std::unique_ptr<Session> session;
     Plugged(const fs::path& library, const fs::path& image, const fs::path& trace) {
         auto system = std::make_unique<test::FakeSystem>();
@@ -522,9 +462,7 @@ TEST_F(StickTest, AutoBackupAddsOnlyWhatIsNewOrChanged) {
         stick->scan();
         put(stick->tavrin(), c.change);
         stick->scan(true);
-        std::vector<std::string> names;
-        for (const auto& [name, bytes] : contents(mirror)) names.push_back(name);
-        EXPECT_EQ(names, c.mirrorNames);
+        EXPECT_EQ(names(contents(mirror)), c.mirrorNames);
         if (!c.status.empty()) EXPECT_EQ(stick->ui.status[StatusPanel::Second], c.status);
     }
 }

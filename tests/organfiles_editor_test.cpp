@@ -3,10 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "organfiles/MakeFiles.h"
-#include "organfiles/OrganFile.h"
 #include "organfiles/PresetNames.h"
 #include "support/DriveImages.h"
+#include "support/OrganBytes.h"
 #include "support/SessionTest.h"
 
 namespace tvk {
@@ -14,9 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string presetBytes(Series family, const std::string& name = "Grandpa's Swing!") {
-    RandomSource random(3);
-    return buildTestFile(family, FileKind::Preset, name, random);
+std::string presetBytes(Series family) {
+    return test::generatedOrganFile(family, FileKind::Preset, "Grandpa's Swing!", 3);
 }
 
 void put(std::string& bytes, std::int32_t position, std::string_view field) {
@@ -123,8 +121,7 @@ TEST_F(PresetEditor, CommitRefusalsLeaveTheFileAsItWas) {
 // The stick is where the only copy lives: a commit on a real FAT volume.
 TEST_F(PresetEditor, CommitsOnAFatStick) {
     TVK_REQUIRE_FUSE();
-    test::ImageDriveContext drives(
-        {test::makeImage(tree, "stick.img", {"fat16", 32, "ORGAN", ""})});
+    test::ImageStick drives({"fat16", 32, "ORGAN", ""});
     Context fat = drives.ctx();
     const fs::path file = drives.root() / "SUPSET01.LPG";
     const std::string original = presetBytes(Series::SU);

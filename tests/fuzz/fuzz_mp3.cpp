@@ -53,6 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 "the readers disagree on SongLength");
     // The frame count comes from the Xing block when it has one, from the sizes otherwise.
     if (file.ValidMP3()) {
+        fuzz::check(file.Frequency() > 0 && file.HeaderOffset() < size,
+                    "a valid MP3 without a frequency or with its frame past the end");
         const auto at = static_cast<std::size_t>(file.HeaderOffset());
         mp3::FrameFields fields;
         mp3::decodeHeader(data + at, fields);

@@ -57,8 +57,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::check(name.empty() || (name.front() != ' ' && name.back() != ' '),
                 "the name is not trimmed");
     recordFields(bytes);
-    // A button code straight from the file: whatever it says, a position or 0.
-    calcAddress("A", "PRESET", bytes.substr(0, 12));
+    // A button code straight from the file: whatever it says, the own name, a record or 0.
+    const std::int32_t at = calcAddress("E", "PRESET", bytes.substr(0, 12));
+    fuzz::check(at == 0 || at == 33 || (at - 1027) % 624 == 0, "a button code outside the table");
 
     GetFileVersion(ctx, file);
     fuzz::checkBalanced(f);

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <sstream>
+
 #include "app/Text.h"
 #include "support/FakeSystem.h"
 
@@ -45,6 +47,17 @@ void fillTavrin(const TempTree& tree, const std::filesystem::path& image,
     }
 }
 
+std::vector<std::string> imageNames(const std::filesystem::path& image, const std::string& folder) {
+    std::string listing;
+    runCommand("MTOOLS_SKIP_CHECK=1 mdir -b -i '" + pathToUtf8(image) + "' ::" + folder, &listing);
+    std::vector<std::string> names;
+    std::istringstream lines(listing);
+    const std::string prefix = "::/" + (folder.empty() ? "" : folder + "/");
+    for (std::string line; std::getline(lines, line);)
+        if (startsWith(line, prefix)) names.push_back(line.substr(prefix.size()));
+    return names;
+}
+
 void pullImage(const std::filesystem::path& mountPoint) {
     const std::string dir = pathToUtf8(mountPoint);
     runCommand("pkill -KILL -f -- '" + dir + "'; sleep 0.2; fusermount -u -z '" + dir +
@@ -72,6 +85,12 @@ Context ImageDriveContext::ctx() {
 
 std::filesystem::path ImageDriveContext::root() {
     return session->volumes->rootPath(session->volumes->drives().at(0));
+}
+
+StickImage::StickImage(const ImageRecipe& recipe,
+                       const std::optional<std::vector<std::string>>& tavrin)
+    : image(makeImage(tree, "stick.img", recipe)) {
+    if (tavrin) fillTavrin(tree, image, *tavrin);
 }
 
 }  // namespace tvk::test

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,10 @@ std::filesystem::path makeImage(const TempTree& tree, const std::string& name,
 void fillTavrin(const TempTree& tree, const std::filesystem::path& image,
                 const std::vector<std::string>& files);
 
+// The names mtools lists in a folder of an image ("" for the root), read from the image
+// itself rather than through a mount.
+std::vector<std::string> imageNames(const std::filesystem::path& image, const std::string& folder);
+
 // Pulls a mounted image out from under the program, as a user pulls a stick: the FUSE
 // driver serving `mountPoint` is killed, so every later access fails, and the mount is
 // then detached.
@@ -48,6 +53,20 @@ struct ImageDriveContext {
     Context ctx();
     // The mount point of the first image drive.
     std::filesystem::path root();
+};
+
+// A fresh image, optionally with a TAVRIN folder holding the given files.
+struct StickImage {
+    StickImage(const ImageRecipe& recipe, const std::optional<std::vector<std::string>>& tavrin);
+    TempTree tree;
+    std::filesystem::path image;
+};
+
+// ... attached as the only drive of a session.
+struct ImageStick : StickImage, ImageDriveContext {
+    explicit ImageStick(const ImageRecipe& recipe,
+                        const std::optional<std::vector<std::string>>& tavrin = std::nullopt)
+        : StickImage(recipe, tavrin), ImageDriveContext({image}) {}
 };
 
 }  // namespace tvk::test

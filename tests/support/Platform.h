@@ -59,7 +59,6 @@ class ExclusiveHold {
     void* handle_ = nullptr;
 };
 
-
 }  // namespace tvk::test
 
 // Skips a test that needs what only Linux has (a POSIX shell, fork, FUSE, Linux tools).

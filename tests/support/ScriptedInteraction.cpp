@@ -42,6 +42,7 @@ ScriptedInteraction& ScriptedInteraction::expectPrompt(std::string title,
 }
 
 Answer ScriptedInteraction::message(const Message& box) {
+    if (onBox) onBox(box);
     shown.push_back(box);
     if (boxes_.empty()) {
         if (!lenient) {
@@ -73,6 +74,12 @@ std::optional<std::string> ScriptedInteraction::prompt(const std::string& title,
 
 void ScriptedInteraction::setStatus(StatusPanel panel, const std::string& text) {
     status[panel] = text;
+    if (panel == StatusPanel::Progress) progressTexts.push_back(text);
+}
+
+void ScriptedInteraction::processEvents() {
+    ++eventsPumped;
+    if (onEvents) onEvents();
 }
 
 void ScriptedInteraction::showProgress(int) {
@@ -82,6 +89,7 @@ void ScriptedInteraction::showProgress(int) {
 
 void ScriptedInteraction::setProgress(int value) {
     progressValue = value;
+    if (onProgress) onProgress(value);
 }
 
 void ScriptedInteraction::hideProgress() {
@@ -91,6 +99,12 @@ void ScriptedInteraction::hideProgress() {
 std::vector<std::string> ScriptedInteraction::titles() const {
     std::vector<std::string> out;
     for (const auto& m : shown) out.push_back(m.title);
+    return out;
+}
+
+std::vector<std::string> ScriptedInteraction::texts() const {
+    std::vector<std::string> out;
+    for (const auto& m : shown) out.push_back(m.text);
     return out;
 }
 

@@ -3,6 +3,7 @@
 // show, with the answer to give each, and a transcript of everything it showed.
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -34,16 +35,24 @@ class ScriptedInteraction : public Interaction {
     void showProgress(int maximum) override;
     void setProgress(int value) override;
     void hideProgress() override;
-    void processEvents() override { ++eventsPumped; }
+    void processEvents() override;
 
     std::vector<Message> shown;                 // every box, in order
     std::vector<std::string> prompted;          // every prompt's text, in order
     std::map<StatusPanel, std::string> status;  // last text of each panel
+    std::vector<std::string> progressTexts;     // every text of the progress panel
     bool progressVisible = false;
     int progressValue = 0;
     int eventsPumped = 0;
 
+    // Hooks where a test meddles mid-command (pulls the stick, mends a fault): on every
+    // event pump, before every box is answered, at every progress value.
+    std::function<void()> onEvents;
+    std::function<void(const Message&)> onBox;
+    std::function<void(int)> onProgress;
+
     std::vector<std::string> titles() const;
+    std::vector<std::string> texts() const;
     // True when every scripted box and prompt was shown.
     bool done() const { return boxes_.empty() && answers_.empty(); }
 

@@ -16,6 +16,11 @@ struct SessionTest : ::testing::Test {
     ScriptedInteraction ui;
     Session session{std::make_unique<FakeSystem>(), ui};
     Context ctx = session.context();
+    // With the trace on, Abort ends the routine instead of the program.
+    void traced() {
+        session.trace.open(tree.path("TVK_ErrorLog.txt"));
+        session.trace.debug = true;
+    }
 };
 
 }  // namespace tvk::test

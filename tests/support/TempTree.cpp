@@ -49,11 +49,39 @@ bool TempTree::exists(std::string_view relative) const {
 }
 
 std::vector<std::string> TempTree::list(std::string_view relative) const {
+    return listNames(path(relative));
+}
+
+std::vector<std::string> listNames(const std::filesystem::path& folder) {
     std::vector<std::string> names;
-    for (const auto& e : std::filesystem::directory_iterator(path(relative)))
-        names.push_back(pathToUtf8(e.path().filename()));
+    for (const auto& e : std::filesystem::directory_iterator(folder))
+        names.push_back(fileNameUtf8(e.path()));
     std::sort(names.begin(), names.end());
     return names;
+}
+
+void put(const std::filesystem::path& folder, const Files& files) {
+    for (const auto& [name, bytes] : files) {
+        const auto file = folder / pathFromUtf8(name);
+        std::filesystem::create_directories(file.parent_path());
+        writeFile(file, bytes);
+    }
+}
+
+Files snapshot(const std::filesystem::path& folder) {
+    Files files;
+    if (!std::filesystem::is_directory(folder)) return files;
+    for (const auto& e : std::filesystem::recursive_directory_iterator(folder))
+        if (e.is_regular_file() && !startsWith(fileNameUtf8(e.path()), "."))
+            files[pathToUtf8(std::filesystem::relative(e.path(), folder).generic_u8string())] =
+                readFile(e.path());
+    return files;
+}
+
+std::vector<std::string> names(const Files& files) {
+    std::vector<std::string> out;
+    for (const auto& [name, bytes] : files) out.push_back(name);
+    return out;
 }
 
 std::string readFile(const std::filesystem::path& file) {
@@ -66,6 +94,25 @@ std::string readFile(const std::filesystem::path& file) {
 void writeFile(const std::filesystem::path& file, std::string_view bytes) {
     std::ofstream out(file, std::ios::binary | std::ios::trunc);
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::vector<std::string> split(std::string_view list) {
+    std::vector<std::string> parts;
+    while (!list.empty()) {
+        const auto bar = list.find('|');
+        parts.emplace_back(list.substr(0, bar));
+        list = bar == std::string_view::npos ? std::string_view() : list.substr(bar + 1);
+    }
+    return parts;
+}
+
+std::vector<std::pair<std::string, std::string>> pairs(std::string_view list) {
+    std::vector<std::pair<std::string, std::string>> out;
+    for (const auto& part : split(list)) {
+        const auto arrow = part.find('>');
+        out.emplace_back(part.substr(0, arrow), part.substr(arrow + 1));
+    }
+    return out;
 }
 
 ScopedEnv::ScopedEnv(std::string name, const std::string& value) : name_(std::move(name)) {

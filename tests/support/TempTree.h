@@ -3,6 +3,7 @@
 // removed again when the test ends.
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,19 @@ class TempTree {
 
 std::string readFile(const std::filesystem::path& file);
 void writeFile(const std::filesystem::path& file, std::string_view bytes);
+// Names (UTF-8) of the entries of a folder, sorted.
+std::vector<std::string> listNames(const std::filesystem::path& folder);
+
+// Files by name (UTF-8, '/' before a subfolder's files) and their bytes.
+using Files = std::map<std::string, std::string>;
+void put(const std::filesystem::path& folder, const Files& files);
+// Every file under a folder but the hidden ones (a leading '.'); none when it is missing.
+Files snapshot(const std::filesystem::path& folder);
+std::vector<std::string> names(const Files& files);
+
+// Shorthand for tables: "a|b|c" gives its parts ("" gives none), "a>b|c>d" its pairs.
+std::vector<std::string> split(std::string_view list);
+std::vector<std::pair<std::string, std::string>> pairs(std::string_view list);
 
 // Sets an environment variable for the life of the object, then restores it.
 class ScopedEnv {
