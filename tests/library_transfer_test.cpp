@@ -5,9 +5,11 @@
 
 #include <algorithm>
 
+#include "app/FileIO.h"
 #include "app/Text.h"
 #include "drive/ScanForUSBs.h"
 #include "drive/Volumes.h"
+#include "library/CopyNames.h"
 #include "library/TransferCommands.h"
 #include "support/DriveImages.h"
 #include "support/OrganBytes.h"
@@ -102,6 +104,29 @@ TEST_F(TransferTest, AddAllAndThePoolsNameFilesAndNeverReplaceOne) {
             EXPECT_EQ(ui.shown.at(0).text,
                       "This will copy 1 RECORDING files to \"Music Recordings\"");
         }
+    }
+}
+
+// The copies name a file from the first bytes they read of it, as reading the whole file
+// would, also when its first line runs past those bytes.
+TEST(ReadableName, FromTheCopysFirstBytes) {
+    TempTree tree;
+    const std::string longLine =
+        std::string(kNamedCopyHead + 10, 'x') + organHeader(Series::SU) + "Far Away        \r\n";
+    const struct {
+        const char* file;
+        std::string bytes, name;
+    } cases[] = {
+        {"EMPTY.LPG", "", "EMPTY"},
+        {"SUPSET01.LPG", su("Piano"), "Piano"},
+        {"APSET002.LPG", organHeader(Series::A) + "Short", "Short"},
+        {"SUPSET03.LPG", longLine, "Far Away"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        const auto file = tree.write(c.file, c.bytes);
+        EXPECT_EQ(readableName(file, std::string_view(c.bytes).substr(0, kNamedCopyHead)), c.name);
+        EXPECT_EQ(readableName(file), c.name);
     }
 }
 

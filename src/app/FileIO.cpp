@@ -144,7 +144,10 @@ void copyOpened(detail::InputFile& in, const std::filesystem::path& source, std:
     std::error_code ec;
     if (std::filesystem::exists(std::filesystem::symlink_status(destination, ec)))
         throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(destination));
-    const FileTime written = modificationTime(source);
+    // Only a copy onto a drive that keeps months one off needs the source's date again;
+    // asking for it by name costs a FUSE stick a scan of its folder.
+    std::optional<FileTime> written;
+    if (monthOneTooHigh(destination)) written = modificationTime(source);
     throughTemporary(
         destination,
         [&](detail::OutputFile& out) {
@@ -165,7 +168,7 @@ void copyOpened(detail::InputFile& in, const std::filesystem::path& source, std:
             out.copyTimesFrom(in);
         },
         [&](const std::filesystem::path& temp) { detail::renameExclusive(temp, destination); });
-    settleEntryTime(destination, written);
+    if (written) settleEntryTime(destination, *written);
 }
 
 }  // namespace
@@ -181,7 +184,7 @@ std::string copyFileNamed(const std::filesystem::path& source, const std::filesy
     detail::InputFile in(source);
     const std::uintmax_t total = in.size();
     const std::string head =
-        readUpTo(in, static_cast<std::size_t>(std::min<std::uintmax_t>(total, kCopyChunk)));
+        readUpTo(in, static_cast<std::size_t>(std::min<std::uintmax_t>(total, kNamedCopyHead)));
     std::string name = nameFor(head);
     copyOpened(in, source, head, total, folder / pathFromUtf8(name), progress);
     return name;

@@ -69,8 +69,10 @@ void copyFileSafely(const std::filesystem::path& source, const std::filesystem::
                     const CopyProgress& progress = {});
 
 // As copyFileSafely, for a copy named after its contents: `nameFor` gets the source's
-// first bytes (its first megabyte, or all of a smaller file) and returns the copy's name
-// in `folder`. The source is opened once, which matters on a slow stick. Returns the name.
+// first bytes (its first kNamedCopyHead bytes, or all of a smaller file) and returns the
+// copy's name in `folder`. The source is opened once, which matters on a slow stick.
+// Returns the name.
+inline constexpr std::size_t kNamedCopyHead = std::size_t(1) << 20;
 using NameForContents = std::function<std::string(std::string_view head)>;
 std::string copyFileNamed(const std::filesystem::path& source, const std::filesystem::path& folder,
                           const NameForContents& nameFor, const CopyProgress& progress = {});

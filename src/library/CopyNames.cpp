@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/FileIO.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "organfiles/FileLayout.h"
@@ -83,6 +84,13 @@ std::string readableName(const std::filesystem::path& file) {
     // An empty file has no header to read a name from; it keeps its own.
     if (std::filesystem::file_size(file) == 0) return legalName({}, file);
     return legalName(checkName(readPresetName(file)), file);
+}
+
+std::string readableName(const std::filesystem::path& file, std::string_view head) {
+    if (head.empty()) return legalName({}, file);
+    const std::size_t end = head.find_first_of("\r\n");
+    if (end == std::string_view::npos && head.size() >= kNamedCopyHead) return readableName(file);
+    return legalName(checkName(nameFromLine(head.substr(0, end))), file);
 }
 
 }  // namespace tvk

@@ -64,5 +64,9 @@ std::string readableName(Context& ctx, const std::filesystem::path& file,
 // The same, reading the file without a routine of its own: a failure is the caller's
 // step, so a vanished file is one error box, not two.
 std::string readableName(const std::filesystem::path& file);
+// The same from the first bytes copyFileNamed hands over, so a copy named after its
+// contents opens its source once; the file is read again only when its first line runs
+// past them.
+std::string readableName(const std::filesystem::path& file, std::string_view head);
 
 }  // namespace tvk

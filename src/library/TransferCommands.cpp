@@ -43,7 +43,7 @@ TransferReport addAll(Context& ctx, Routine& r, const std::vector<std::string>& 
         return report;
     TransferCopy(ctx, r, report, "Copying ")
         .run(ctx.state.drive.tavrinFolder(), files, *names,
-             [&](const std::string& name, const std::filesystem::path& source) {
+             [&](const std::string& name, const SourceFile& source) {
                  return addAllName(ctx, *names, name, source, report.duplicates);
              });
     report.completed = report.failures.empty();
@@ -86,12 +86,12 @@ Pool poolFor(const Context& ctx, TransferButton button) {
 // A pool name: the readable name with the series letter as the extension's first letter
 // ("LPG" of an SU preset becomes "SPG"); "_#" and a number counting up while it is taken.
 std::string poolName(Context& ctx, const FolderNames& folder, const std::string& name,
-                     const std::filesystem::path& source, int& duplicates) {
+                     const SourceFile& source, int& duplicates) {
     const NameInfo info = classifyName(name);
     const auto family = seriesFromLetter(info.seriesLetter);
     NameParts parts = splitExtension(name);
     if (isOrganFile(name) && family) {
-        parts.base = readableName(source);
+        parts.base = source.readable();
         parts.extension = "." + std::string(seriesCode(*family)).substr(0, 1) +
                           parts.extension.substr(std::min<std::size_t>(2, parts.extension.size()));
     }
@@ -124,7 +124,7 @@ TransferReport addToPool(Context& ctx, Routine& r, TransferButton button) {
         return report;
     TransferCopy(ctx, r, report, "Copying ")
         .run(ctx.state.drive.tavrinFolder(), files, *names,
-             [&](const std::string& name, const std::filesystem::path& source) {
+             [&](const std::string& name, const SourceFile& source) {
                  return poolName(ctx, *names, name, source, report.duplicates);
              });
     if (pool.duplicatesBox) showDuplicates(ctx, report.duplicates);
@@ -170,10 +170,9 @@ TransferReport addNewFiles(Context& ctx, Routine& r) {
     std::optional<FolderNames> names;
     if (!r.step("List " + pathToUtf8(mirror), [&] { names.emplace(mirror); })) return report;
     TransferCopy(ctx, r, report, "Copying ")
-        .run(stick, fresh, *names,
-             [&](const std::string& name, const std::filesystem::path& source) {
-                 return addAllName(ctx, *names, name, source, report.duplicates);
-             });
+        .run(stick, fresh, *names, [&](const std::string& name, const SourceFile& source) {
+            return addAllName(ctx, *names, name, source, report.duplicates);
+        });
     report.completed = report.failures.empty();
     return report;
 }
@@ -195,20 +194,22 @@ void TransferCopy::copyOne(const std::filesystem::path& from, const std::string&
                            FolderNames& to, const NameChooser& choose) {
     const auto source = from / pathFromUtf8(name);
     const int duplicates = report_.duplicates;
-    std::optional<std::string> target;
+    std::string target;
     int error = 0;
     bool done = false;
     try {
         done = r_.step("Copy " + quoted(pathToUtf8(source)), [&] {
             report_.duplicates = duplicates;
             try {
-                target = choose(name, source);
-                if (!target) return;
-                const auto destination = to.folder() / pathFromUtf8(*target);
-                r_.setTask("Copy " + quoted(pathToUtf8(source)) + " to " +
-                           quoted(pathToUtf8(destination)));
-                copyFileSafely(source, destination,
-                               [&](std::uintmax_t, std::uintmax_t) { ctx_.ui.processEvents(); });
+                const auto nameFor = [&](std::string_view head) {
+                    std::string chosen = choose(name, SourceFile{source, head});
+                    r_.setTask("Copy " + quoted(pathToUtf8(source)) + " to " +
+                               quoted(pathToUtf8(to.folder() / pathFromUtf8(chosen))));
+                    return chosen;
+                };
+                target =
+                    copyFileNamed(source, to.folder(), nameFor,
+                                  [&](std::uintmax_t, std::uintmax_t) { ctx_.ui.processEvents(); });
             } catch (const std::exception&) {
                 error = RuntimeError::fromCurrentException().number();
                 throw;
@@ -222,12 +223,8 @@ void TransferCopy::copyOne(const std::filesystem::path& from, const std::string&
         report_.failures.push_back({name, error});
         return;
     }
-    if (!target) {
-        report_.skipped.push_back(name);
-        return;
-    }
-    to.add(*target);
-    report_.copied.push_back({name, *target});
+    to.add(target);
+    report_.copied.push_back({name, target});
 }
 
 std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string& patterns) {
@@ -242,11 +239,11 @@ std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string&
 }
 
 std::string addAllName(Context& ctx, const FolderNames& folder, const std::string& name,
-                       const std::filesystem::path& source, int& duplicates) {
+                       const SourceFile& source, int& duplicates) {
     NameParts parts = splitExtension(name);
     std::string wanted = name;  // media and other files keep their names
     if (isOrganFile(name)) {
-        parts.base = readableName(source);
+        parts.base = source.readable();
         wanted = parts.base + parts.extension;
     }
     int counter = 1;

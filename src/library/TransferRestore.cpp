@@ -240,7 +240,7 @@ TransferReport restoreThumbdrive(Context& ctx, Routine& r, bool confirmed) {
         return report;
     TransferCopy(ctx, r, report, "Restoring ", false)
         .run(mirror, sources, *names,
-             [&](const std::string& name, const std::filesystem::path&) { return targets[name]; });
+             [&](const std::string& name, const SourceFile&) { return targets[name]; });
     if (report.failures.empty())
         report.completed = r.step("Remove " + pathToUtf8(restoreNote(ctx)),
                                   [&] { std::filesystem::remove(restoreNote(ctx)); });

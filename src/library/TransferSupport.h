@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/Routine.h"
@@ -14,9 +15,16 @@
 
 namespace tvk {
 
-// Chooses the destination name of a source file; nullopt skips it.
-using NameChooser = std::function<std::optional<std::string>(const std::string& name,
-                                                             const std::filesystem::path& source)>;
+// A file being copied: where it is and its first bytes, read by the copy itself, so
+// naming it after its contents does not open it a second time.
+struct SourceFile {
+    const std::filesystem::path& path;
+    std::string_view head;
+    std::string readable() const { return readableName(path, head); }
+};
+
+// Chooses the destination name of a source file.
+using NameChooser = std::function<std::string(const std::string& name, const SourceFile& source)>;
 
 // Copies a list of files into one folder, one step a file (Retry chooses the name again),
 // showing `verb` + name + " - " + percent in status panel 1 and advancing the progress
@@ -48,7 +56,7 @@ std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string&
 // its readable name and own extension, anything else its own name; " (n)" before the
 // extension while the name is taken.
 std::string addAllName(Context& ctx, const FolderNames& folder, const std::string& name,
-                       const std::filesystem::path& source, int& duplicates);
+                       const SourceFile& source, int& duplicates);
 
 // "Copying NAME - 42%".
 std::string copyingText(const std::string& verb, const std::string& name, std::size_t done,

@@ -31,14 +31,14 @@ bool confirmUpdate(Context& ctx) {
 // counting on from the file's own number with "Number Seq", otherwise from 1. Organ files
 // without a number keep their readable name, with " (n)" on a clash.
 std::string updateName(Context& ctx, const FolderNames& folder, const std::string& name,
-                       const std::filesystem::path& source, int& duplicates) {
+                       const SourceFile& source, int& duplicates) {
     const NameInfo info = classifyName(name);
     const auto family = seriesFromLetter(info.seriesLetter);
     const FileKind kind = fileKind(name);
     const bool organ = kind == FileKind::Preset || kind == FileKind::Recording;
     if (!organ || !info.number || !family) return addAllName(ctx, folder, name, source, duplicates);
     const NameParts parts = splitExtension(name);
-    const std::string base = readableName(source) + "_#";
+    const std::string base = source.readable() + "_#";
     const int width = organNumberWidth(*family);
     std::string wanted = base + zeroPad(*info.number, width) + parts.extension;
     if (!folder.taken(wanted)) return wanted;
@@ -141,7 +141,7 @@ TransferReport updateComputer(Context& ctx, Routine& r) {
         if (started)
             TransferCopy(ctx, r, report, "Copying ")
                 .run(ctx.state.drive.tavrinFolder(), files, *names,
-                     [&](const std::string& name, const std::filesystem::path& source) {
+                     [&](const std::string& name, const SourceFile& source) {
                          return updateName(ctx, *names, name, source, report.duplicates);
                      });
     } catch (const RoutineAbort&) {
