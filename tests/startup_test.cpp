@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "NO VERSION IN REGISTRY\r\n* Terminating *\r\n", 0}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST(Startup, CreatesTheLibraryTreeAndDefaultSettings) {
+TEST(Startup, CreatesTheLibraryTreeAndTheNextStartReadsIt) {
     TestContext t;
     install(*t.fake, t.paths.programFolder, programVersionText());
     std::filesystem::remove_all(t.paths.libraryRoot);
@@ -109,26 +109,18 @@ TEST(Startup, CreatesTheLibraryTreeAndDefaultSettings) {
     EXPECT_EQ(t.state.docsFolder, root);
     EXPECT_TRUE(t.ui.shown.empty());
 
-    // A deleted pool comes back, with its no-break space, at the next start.
+    // The next start reads the settings and picks their series; a deleted pool comes back,
+    // with its no-break space.
     std::filesystem::remove_all(t.paths.presetPool());
+    test::writeFile(root / "TVK.ini", "Organ Series=3\r\nFormat Change=True\r\nEOF\r\n");
     TestContext again;
     again.fake->documents = t.fake->documents;
     install(*again.fake, again.paths.programFolder, programVersionText());
     Context ctx2 = again.ctx();
     ASSERT_EQ(FormLoad(ctx2), StartupOutcome::Running);
     EXPECT_TRUE(std::filesystem::is_directory(root / pathFromUtf8("\u00A0Preset Pool")));
-}
-
-TEST(Startup, ReadsExistingSettingsAndPicksTheSeries) {
-    TestContext t;
-    install(*t.fake, t.paths.programFolder, programVersionText());
-    const auto root = t.fake->documents / kProductName;
-    std::filesystem::create_directories(root);
-    test::writeFile(root / "TVK.ini", "Organ Series=3\r\nFormat Change=True\r\nEOF\r\n");
-    Context ctx = t.ctx();
-    ASSERT_EQ(FormLoad(ctx), StartupOutcome::Running);
-    EXPECT_EQ(t.state.series, Series::E);
-    EXPECT_TRUE(t.settings.formatChange);
+    EXPECT_EQ(again.state.series, Series::E);
+    EXPECT_TRUE(again.settings.formatChange);
 }
 
 TEST(Startup, DifferentInstalledVersionIsUpdated) {
