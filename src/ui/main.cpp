@@ -7,7 +7,9 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QTimer>
+#include <cstdlib>
 #include <iostream>
+#include <string_view>
 
 #include "app/Routine.h"
 #include "app/Version.h"
@@ -46,9 +48,27 @@ Arguments readArguments(const QStringList& args) {
     return a;
 }
 
+// On Linux, Qt ends in a core dump when no display can be found; say so and how to get one.
+bool displayMissing(int argc, char** argv) {
+#ifdef __linux__
+    for (int i = 1; i < argc; ++i)
+        if (std::string_view(argv[i]) == "-platform") return false;
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (const char* v = std::getenv(name); v && *v) return false;
+    std::cerr << "tavrin-file-manager: no display found (DISPLAY and WAYLAND_DISPLAY are not "
+                 "set), so the window cannot open.\nStart it from a desktop session, or under "
+                 "a virtual display:\n    xvfb-run -a tavrin-file-manager\n";
+    return true;
+#else
+    (void)argc, (void)argv;
+    return false;
+#endif
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (displayMissing(argc, argv)) return 2;
     QApplication app(argc, argv);
     QApplication::setApplicationName("Tavrin File Manager");
     QApplication::setWindowIcon(tvk::ui::appIcon());
