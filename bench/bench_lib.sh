@@ -1,6 +1,7 @@
-# Shared by the bench scripts: builds a Release tvk and times commands.
+# Shared by the bench scripts: builds a Release tvk, gives a scratch folder with a mount
+# point, makes blank stick images and times commands.
 #   source bench/bench_lib.sh; build_tvk build-dir; best_us CMD...
-# RUNS (default 5) sets how many runs best_us takes the best of.
+# RUNS (default 5) sets how many runs the best is taken of.
 
 runs=${RUNS:-5}
 
@@ -12,15 +13,42 @@ build_tvk() {
     tvk="$PWD/$1/src/tvk"
 }
 
-# Best wall time of $runs runs of a command, in microseconds; its exit code is ignored.
-best_us() {
-    local best=0 start end us i
+# Sets $work to a scratch folder and $mnt to a mount point inside it; both go at exit,
+# the mount first. HOME points inside it, so the user's own settings and library stay out.
+bench_scratch() {
+    work=$(mktemp -d)
+    mnt="$work/mnt"
+    mkdir -p "$mnt" "$work/home"
+    trap 'fusermount -u "$mnt" 2>/dev/null || true; rm -rf "$work"' EXIT
+    export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" MTOOLS_SKIP_CHECK=1
+}
+
+# A blank FAT32 stick image holding an empty TAVRIN folder.
+blank_stick() { # file size label serial
+    truncate -s "$2" "$1"
+    mkfs.fat -F 32 -n "$3" -i "$4" "$1" >/dev/null
+    mmd -i "$1" ::TAVRIN
+}
+
+# Wall time of one command in microseconds; its output is dropped.
+time_us() {
+    local start end
+    start=$(date +%s%N)
+    "$@" >/dev/null
+    end=$(date +%s%N)
+    echo $(((end - start) / 1000))
+}
+
+# Best wall time of $runs runs of a command, in microseconds, running PREPARE (untimed)
+# before each; the command's exit code is ignored.
+best_prepared_us() { # prepare command...
+    local prepare=$1 best=0 us i
+    shift
     for ((i = 0; i < runs; i++)); do
-        start=$(date +%s%N)
-        "$@" >/dev/null || true
-        end=$(date +%s%N)
-        us=$(((end - start) / 1000))
+        $prepare
+        us=$(time_us "$@" || true)
         if ((best == 0 || us < best)); then best=$us; fi
     done
     echo "$best"
 }
+best_us() { best_prepared_us : "$@"; }

@@ -19,17 +19,7 @@ build=${TVK_BENCH_BUILD:-build-bench-copy}
 runs=${RUNS:-3}
 build_tvk "$build"
 
-work=$(mktemp -d)
-mnt="$work/mnt"
-mkdir -p "$mnt"
-cleanup() {
-    fusermount -u "$mnt" 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
-
-# The library of a home of our own, so the user's settings stay out of it.
-export HOME="$work/home"
+bench_scratch
 lib="$HOME/Documents/Tavrin File Manager"
 mkdir -p "$lib"
 
@@ -44,9 +34,7 @@ count=$(find "$lib/Readable" -type f | wc -l)
 
 # A 256 MB FAT32 stick with an empty TAVRIN folder, kept pristine for every run.
 blank="$work/blank.img"
-truncate -s 256M "$blank"
-mkfs.fat -F 32 -n BENCH -i 2021BEEF "$blank" >/dev/null
-MTOOLS_SKIP_CHECK=1 mmd -i "$blank" ::TAVRIN
+blank_stick "$blank" 256M BENCH 2021BEEF
 stick="$work/stick.img"
 
 mount_stick() {
@@ -54,15 +42,6 @@ mount_stick() {
 }
 unmount_stick() {
     fusermount -u "$mnt"
-}
-
-# Wall time of one command in microseconds.
-time_us() {
-    local start end
-    start=$(date +%s%N)
-    "$@" >/dev/null
-    end=$(date +%s%N)
-    echo $(((end - start) / 1000))
 }
 
 cp_right() {
@@ -82,16 +61,7 @@ tvk_left() {
     "$tvk" copy --mode LEFT --drive-image "$stick" STICK "$lib/Left" </dev/null
 }
 
-# Best of $runs for each; `prepare` resets the destination outside the timing.
-best_us() {
-    local prepare=$1 run=$2 best=0 us
-    for ((i = 0; i < runs; i++)); do
-        $prepare
-        us=$(time_us $run)
-        if ((best == 0 || us < best)); then best=$us; fi
-    done
-    echo "$best"
-}
+# Each run resets the destination first, outside the timing.
 fresh_stick() { cp --sparse=always "$blank" "$stick"; }
 numbered_stick() {
     fresh_stick
@@ -112,11 +82,11 @@ report() {
 }
 
 echo "best of $runs runs, $(nproc) cores, fusefat $(fusefat -V 2>&1 | head -1 || true)"
-right_tvk=$(best_us fresh_stick tvk_right)
-right_cp=$(best_us fresh_stick cp_right)
+right_tvk=$(best_prepared_us fresh_stick tvk_right)
+right_cp=$(best_prepared_us fresh_stick cp_right)
 report RIGHT "$right_tvk" "$right_cp"
 
 numbered_stick
-left_tvk=$(best_us empty_left tvk_left)
-left_cp=$(best_us empty_left cp_left)
+left_tvk=$(best_prepared_us empty_left tvk_left)
+left_cp=$(best_prepared_us empty_left cp_left)
 report LEFT "$left_tvk" "$left_cp"

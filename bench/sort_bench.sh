@@ -16,16 +16,7 @@ build=${TVK_BENCH_BUILD:-build-bench-sort}
 runs=${RUNS:-3}
 build_tvk "$build"
 
-work=$(mktemp -d)
-mnt="$work/mnt"
-cleanup() {
-    fusermount -u "$mnt" 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
-export MTOOLS_SKIP_CHECK=1
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config"
-mkdir -p "$HOME" "$mnt"
+bench_scratch
 
 # One organ file: the family's header, the name field and 16 KB of registrations.
 organ_file() { # file version name
@@ -54,49 +45,50 @@ group ESONG 3 EMR 4.0 13
 
 # Fresh images: one for tvk, one for the floor.
 make_images() {
-    truncate -s 128M "$work/tvk.img"
-    mkfs.fat -F 32 -n "BENCH STICK" -i 2021ABCD "$work/tvk.img" >/dev/null
-    mmd -i "$work/tvk.img" ::TAVRIN
+    blank_stick "$work/tvk.img" 128M "BENCH STICK" 2021ABCD
     mcopy -i "$work/tvk.img" "$files"/* ::TAVRIN/
     cp --sparse=always "$work/tvk.img" "$work/floor.img"
+}
+
+# The floor renames number n of a group to prefix + (top - n); sets $to (no subshell, so
+# the floor pays for the mv alone).
+renumbered() { # name prefix format top
+    local n=${1#"$2"}
+    n=$((10#${n%%.*}))
+    printf -v to "%s$3" "$2" $(($4 - n))
 }
 
 # The floor: two mv per file, all to temporary names first, then to the final names.
 floor() {
     fusefat -o rw+ "$work/floor.img" "$mnt" >/dev/null
-    local d="$mnt/TAVRIN" f n
+    local d="$mnt/TAVRIN" f to
     for f in "$d"/*; do mv "$f" "$d/.tmp-${f##*/}"; done
     for f in "$d"/.tmp-*; do
         f=${f##*/.tmp-}
         case $f in
-            SUPSET*) n=${f:6:2}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'SUPSET%02d.LPG' $((251 - n)))" ;;
-            APSET*) n=${f:5:3}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'APSET%03d.LPG' $((251 - n)))" ;;
-            EPSET*) n=${f:5:3}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'EPSET%03d.EPG' $((251 - n)))" ;;
-            SUSONG*) n=${f:6:2}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'SUSONG%03d.LMR' $((15 - n)))" ;;
-            ASONG*) n=${f:5:3}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'ASONG%03d.LMR' $((14 - n)))" ;;
-            ESONG*) n=${f:5:3}; n=$((10#$n)); mv "$d/.tmp-$f" "$d/$(printf 'ESONG%03d.EMR' $((14 - n)))" ;;
+            SUPSET*) renumbered "$f" SUPSET %02d.LPG 251 ;;
+            APSET*) renumbered "$f" APSET %03d.LPG 251 ;;
+            EPSET*) renumbered "$f" EPSET %03d.EPG 251 ;;
+            SUSONG*) renumbered "$f" SUSONG %03d.LMR 15 ;;
+            ASONG*) renumbered "$f" ASONG %03d.LMR 14 ;;
+            ESONG*) renumbered "$f" ESONG %03d.EMR 14 ;;
         esac
+        mv "$d/.tmp-$f" "$d/$to"
     done
     fusermount -u "$mnt"
-}
-
-ms_of() { # command...
-    local start end
-    start=$(date +%s%N)
-    "$@" >/dev/null
-    end=$(date +%s%N)
-    echo $(((end - start) / 1000000))
 }
 
 best_tvk=0 best_floor=0 best_scan=0
 for ((i = 0; i < runs; i++)); do
     make_images
-    scan=$(ms_of "$tvk" --yes scan --drive-image "$work/tvk.img")
-    t=$(ms_of "$tvk" --yes sort --drive-image "$work/tvk.img")
-    f=$(ms_of floor)
-    # Both sticks must end up the same: every file under its new number.
-    diff <(mdir -b -i "$work/tvk.img" ::TAVRIN | sort) \
-        <(mdir -b -i "$work/floor.img" ::TAVRIN | sort) >/dev/null ||
+    scan=$(($(time_us "$tvk" --yes scan --drive-image "$work/tvk.img") / 1000))
+    t=$(($(time_us "$tvk" --yes sort --drive-image "$work/tvk.img") / 1000))
+    f=$(($(time_us floor) / 1000))
+    # Both sticks must end up the same: every file, bytes and all, under its new number.
+    rm -rf "$work/out" && mkdir -p "$work/out/tvk" "$work/out/floor"
+    mcopy -s -i "$work/tvk.img" ::TAVRIN "$work/out/tvk/"
+    mcopy -s -i "$work/floor.img" ::TAVRIN "$work/out/floor/"
+    diff -r "$work/out/tvk" "$work/out/floor" >&2 ||
         { echo "the sorted stick differs from the floor's" >&2; exit 1; }
     if ((best_tvk == 0 || t < best_tvk)); then best_tvk=$t; fi
     if ((best_floor == 0 || f < best_floor)); then best_floor=$f; fi

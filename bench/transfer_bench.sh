@@ -14,16 +14,7 @@ RUNS=${RUNS:-3}
 source bench/bench_lib.sh
 build_tvk "${TVK_BENCH_BUILD:-build-bench-transfer}"
 
-work=$(mktemp -d)
-mnt="$work/mnt"
-mkdir -p "$mnt"
-cleanup() {
-    fusermount -u "$mnt" 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
-
-export HOME="$work/home"
+bench_scratch
 lib="$HOME/Documents/Tavrin File Manager"
 mkdir -p "$lib"
 mirror="$lib/BENCH - 2021BEEF"
@@ -32,9 +23,7 @@ mirror="$lib/BENCH - 2021BEEF"
 # 20 MP3 files of 3 MB.
 "$tvk" make-files "$work" --presets 250 --songs 14 --seed 1 --suffix bench >/dev/null
 pristine="$work/pristine.img"
-truncate -s 256M "$pristine"
-mkfs.fat -F 32 -n BENCH -i 2021BEEF "$pristine" >/dev/null
-MTOOLS_SKIP_CHECK=1 mmd -i "$pristine" ::TAVRIN
+blank_stick "$pristine" 256M BENCH 2021BEEF
 fusefat -o rw+ "$pristine" "$mnt"
 songs=0
 for f in "$work"/FAKEPRFILES*/*; do
@@ -69,25 +58,8 @@ floor_run() {
     done <"$work/names.txt"
 }
 
-time_us() {
-    local start end
-    start=$(date +%s%N)
-    "$@" >/dev/null
-    end=$(date +%s%N)
-    echo $(((end - start) / 1000))
-}
-best() {
-    local run=$1 best=0 us
-    for ((i = 0; i < runs; i++)); do
-        fresh
-        us=$(time_us $run)
-        if ((best == 0 || us < best)); then best=$us; fi
-    done
-    echo "$best"
-}
-
 echo "best of $runs runs, $(nproc) cores; $files files ($renamed renamed), $(du -sh "$work/FAKEPRFILES"* | awk '{s=s" "$1} END {print s}') of organ files + 60 MB of MP3"
-tvk_us=$(best tvk_run)
-floor_us=$(best floor_run)
+tvk_us=$(best_prepared_us fresh tvk_run)
+floor_us=$(best_prepared_us fresh floor_run)
 awk -v t="$tvk_us" -v c="$floor_us" 'BEGIN {
     printf "add all   tvk add-all %9.1f ms   cp + mv %9.1f ms   ratio %5.2f\n", t / 1000, c / 1000, t / c }'
