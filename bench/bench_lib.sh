@@ -1,16 +1,27 @@
 # Shared by the bench scripts: builds a Release tvk, gives a scratch folder with a mount
 # point, makes blank stick images and times commands.
-#   source bench/bench_lib.sh; build_tvk build-dir; best_us CMD...
-# RUNS (default 5) sets how many runs the best is taken of.
-
-runs=${RUNS:-5}
+#   source bench/bench_lib.sh; bench_start NAME DEFAULT-RUNS; best_us CMD...
+# RUNS sets how many runs the best is taken of; TVK_BENCH_BUILD the Release tree.
 
 # Builds tvk alone in Release into $1 and sets $tvk to it.
 build_tvk() {
     cmake -S . -B "$1" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTVK_BUILD_GUI=OFF \
         -DTVK_BUILD_TESTS=OFF -DTVK_BUILD_BENCH=OFF >/dev/null
     ninja -C "$1" tvk >/dev/null
-    tvk="$PWD/$1/src/tvk"
+    tvk="$(cd "$1" && pwd)/src/tvk"
+}
+
+# The start of every bench: $runs, a Release tvk in build-bench-NAME and a scratch folder.
+bench_start() { # name default-runs
+    runs=${RUNS:-$2}
+    build_tvk "${TVK_BENCH_BUILD:-build-bench-$1}"
+    bench_scratch
+}
+
+# 1,500 generated presets, 250 of each family in two FAKEPRFILES folders below $1.
+make_presets() { # folder
+    "$tvk" make-files "$1" --presets 250 --songs 0 --seed 1 --suffix one >/dev/null
+    "$tvk" make-files "$1" --presets 250 --songs 0 --seed 2 --suffix two >/dev/null
 }
 
 # Sets $work to a scratch folder and $mnt to a mount point inside it; both go at exit,

@@ -14,18 +14,13 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source bench/bench_lib.sh
+bench_start copy 3
 
-build=${TVK_BENCH_BUILD:-build-bench-copy}
-runs=${RUNS:-3}
-build_tvk "$build"
-
-bench_scratch
 lib="$HOME/Documents/Tavrin File Manager"
 mkdir -p "$lib"
 
 # 1,500 presets: 250 of each family in two generated folders, then readable names.
-"$tvk" make-files "$work" --presets 250 --songs 0 --seed 1 --suffix one >/dev/null
-"$tvk" make-files "$work" --presets 250 --songs 0 --seed 2 --suffix two >/dev/null
+make_presets "$work"
 mkdir "$lib/Readable"
 for folder in "$work"/FAKEPRFILES*; do
     "$tvk" copy --mode DIFF "$folder" "$lib/Readable" >/dev/null

@@ -9,14 +9,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 source bench/bench_lib.sh
-build_tvk "${TVK_BENCH_BUILD:-build-bench-info}"
-
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+bench_start info 5
 
 # 1,500 presets: 250 of each family in two folders.
-"$tvk" make-files "$work" --presets 250 --songs 0 --seed 1 --suffix one >/dev/null
-"$tvk" make-files "$work" --presets 250 --songs 0 --seed 2 --suffix two >/dev/null
+make_presets "$work"
 mapfile -t presets < <(find "$work" -name '*PG' | sort)
 
 # 100 MP3 files of 10 seconds, each behind a 300 KB ID3v2 tag (cover art and the like).

@@ -9,15 +9,11 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 source bench/bench_lib.sh
-build_tvk "${TVK_BENCH_BUILD:-build-bench-search}"
-
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+bench_start search 5
 
 # 1,500 presets in one folder: two generated sets of 750, the second renamed as the copy
 # engine names duplicates.
-"$tvk" make-files "$work" --presets 250 --songs 0 --seed 1 --suffix one >/dev/null
-"$tvk" make-files "$work" --presets 250 --songs 0 --seed 2 --suffix two >/dev/null
+make_presets "$work"
 folder="$work/FAKEPRFILES - one"
 for f in "$work/FAKEPRFILES - two"/*; do
     name=$(basename "$f")

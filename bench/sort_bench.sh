@@ -11,12 +11,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source bench/bench_lib.sh
-
-build=${TVK_BENCH_BUILD:-build-bench-sort}
-runs=${RUNS:-3}
-build_tvk "$build"
-
-bench_scratch
+bench_start sort 3
 
 # One organ file: the family's header, the name field and 16 KB of registrations.
 organ_file() { # file version name

@@ -10,11 +10,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-RUNS=${RUNS:-3}
 source bench/bench_lib.sh
-build_tvk "${TVK_BENCH_BUILD:-build-bench-transfer}"
+bench_start transfer 3
 
-bench_scratch
 lib="$HOME/Documents/Tavrin File Manager"
 mkdir -p "$lib"
 mirror="$lib/BENCH - 2021BEEF"
