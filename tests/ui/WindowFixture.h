@@ -11,8 +11,8 @@
 
 #include "app/Paths.h"
 #include "app/Version.h"
-#include "organfiles/MakeFiles.h"
 #include "support/FakeSystem.h"
+#include "support/OrganBytes.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TempTree.h"
 #include "ui/MainWindow.h"
@@ -40,8 +40,7 @@ class WindowBoxes : public ScriptedInteraction {
 
 // A preset or song as the organ writes it.
 inline std::string organFile(Series family, FileKind kind, const std::string& name) {
-    RandomSource random(7);
-    return buildTestFile(family, kind, name, random);
+    return generatedOrganFile(family, kind, name);
 }
 
 struct WindowFixture : ::testing::Test {

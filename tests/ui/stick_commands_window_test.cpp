@@ -1,12 +1,15 @@
 // The transfer buttons and "&Sort" clicked in the window on a real FAT stick image, with
-// the results checked on disk.
+// the results checked on disk, and the stick pulled out while its list is shown.
 
 #include <algorithm>
 #include <functional>
 #include <map>
 
+#include <QLineEdit>
+
 #include "drive/Volumes.h"
 #include "support/DriveImages.h"
+#include "ui/DeviceWatch.h"
 #include "ui/WindowFixture.h"
 
 namespace tvk::test {
@@ -115,11 +118,19 @@ TEST_F(StickWindow, TheFiveTransferButtons) {
     restored.erase("SONG.MP3");
     for (const auto& [name, bytes] : restored) EXPECT_EQ(readFile(tavrin / name), bytes) << name;
 
-    // Pulled: nothing to transfer.
+    // Pulled behind the program's back: the removal notice that arrives during another
+    // command waits for it to end, then the list empties and nothing is left to transfer.
     runCommand("fusermount -u '" + pathToUtf8(window->session().state.drive.root) + "'");
-    window->scanForDrives(
-        DeviceNotice{DeviceNotice::Kind::Removal, window->session().state.drive.letter, {}});
-    EXPECT_FALSE(window->session().state.drive.present);
+    window->session().state.busy = true;
+    emit find<ui::DeviceWatch>("SysInfo1")
+        ->notice(
+            DeviceNotice{DeviceNotice::Kind::Removal, window->session().state.drive.letter, {}});
+    QApplication::processEvents();
+    EXPECT_TRUE(window->session().state.drive.present);
+    window->session().state.busy = false;
+    EXPECT_TRUE(waitUntil([&] { return !window->session().state.drive.present; }));
+    EXPECT_EQ(list("flbUSB")->count(), 0);
+    EXPECT_TRUE(find<QLineEdit>("txtUSBPath")->text().isEmpty());
     EXPECT_EQ(transferButtons(), "00000");
 }
 

@@ -1,4 +1,5 @@
-// The file viewer (organ tab, byte views, closing) and the player strip with a real MP3.
+// The file viewer (organ tab, byte views, closing), the player strip with a real MP3 and
+// the desktop for what the media framework cannot play.
 
 #include <QAbstractItemModel>
 #include <QAudioDevice>
@@ -136,28 +137,39 @@ TEST_F(ViewerTest, TextAndByteViewsOfAnOrganFileAndAMegabyte) {
     viewer->close();
 }
 
-using PlayerTest = WindowFixture;
+struct PlayerTest : WindowFixture {
+    // Lets the player start: waits for panel 1 to leave "Just a moment..." and begin with
+    // `start`, and returns what it says then.
+    QString waitForStatus(const QString& start) {
+        waitUntil([&] {
+            const QString s = statusText(1);
+            return s != "Just a moment..." && s.startsWith(start);
+        });
+        return statusText(1);
+    }
+};
 
-TEST_F(PlayerTest, StripPlaysPausesAndStopsARealMp3) {
+// Plays silently where the machine has no sound output, and the strip says so.
+TEST_F(PlayerTest, StripPlaysPausesAndStopsARealMp3AndABrokenOneSaysSo) {
     if (!haveTool("ffmpeg")) GTEST_SKIP() << "ffmpeg is not installed";
     const auto mp3 = library() / "Evening Bells.mp3";
     ASSERT_EQ(runCommand("ffmpeg -loglevel error -y -f lavfi -i sine=frequency=440:duration=3 "
                          "-b:a 128k '" +
                          mp3.string() + "'"),
               0);
+    libraryFile("Broken.mp3", std::string(4000, '\x55'));
     window->refreshAll();
     auto* strip = window->findChild<ui::MediaPlayer*>("mmcMain");
     ASSERT_NE(strip, nullptr);
     EXPECT_FALSE(strip->isVisibleTo(window.get()));
 
     window->listDoubleClicked(list("flbDocs"), "Evening Bells.mp3");
-    waitUntil([&] { return statusText(1) != "Just a moment..."; });
-    const QString s = statusText(1);
-    if (s.startsWith("Cannot play")) GTEST_SKIP() << "no MP3 decoder here: " << s.toStdString();
-    EXPECT_EQ(s, "Playing Evening Bells.mp3");
+    EXPECT_EQ(statusText(1), "Just a moment...");
+    EXPECT_EQ(waitForStatus("Playing"), "Playing Evening Bells.mp3");
     EXPECT_TRUE(strip->isVisibleTo(window.get()));
-    auto* title = strip->findChild<QLabel*>("lblPlaying");
-    EXPECT_EQ(title->text().contains("(no sound output)"), QMediaDevices::audioOutputs().isEmpty());
+    EXPECT_EQ(strip->findChild<QLabel*>("lblPlaying")->text(),
+              QMediaDevices::audioOutputs().isEmpty() ? "Evening Bells.mp3 (no sound output)"
+                                                      : "Evening Bells.mp3");
     auto* time = strip->findChild<QLabel*>("lblPlayTime");
     EXPECT_TRUE(waitUntil([&] { return time->text().endsWith(" / 0:03"); }))
         << time->text().toStdString();
@@ -176,6 +188,21 @@ TEST_F(PlayerTest, StripPlaysPausesAndStopsARealMp3) {
     EXPECT_EQ(statusText(1), "");
     // Stopped, the file is free to be renamed.
     std::filesystem::rename(mp3, library() / "Renamed.mp3");
+
+    window->listDoubleClicked(list("flbDocs"), "Broken.mp3");
+    EXPECT_TRUE(waitForStatus("Cannot").startsWith("Cannot play Broken.mp3"));
+    EXPECT_TRUE(ui.shown.empty());
+}
+
+TEST_F(PlayerTest, MidiTheFrameworkCannotPlayGoesToTheDesktop) {
+    libraryFile("Prelude.mid",
+                std::string("MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0\4\0\xff\x2f\0", 22));
+    window->refreshAll();
+    window->listDoubleClicked(list("flbDocs"), "Prelude.mid");
+    const QString s = waitForStatus("");
+    if (s == "Playing Prelude.mid") GTEST_SKIP() << "this media framework plays MIDI itself";
+    ASSERT_EQ(system->opened.size(), 1u) << s.toStdString();
+    EXPECT_EQ(system->opened[0], library() / "Prelude.mid");
 }
 
 TEST(PlayerTime, PositionAndLength) {

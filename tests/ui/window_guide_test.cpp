@@ -60,26 +60,24 @@ TEST_F(GuideTest, TooltipsOfTheButtonsAndBoxesReadAsTheyAlwaysHave) {
     }
 }
 
-TEST_F(GuideTest, ShortcutsTriggerTheirMenuCommandsAndCaptionsKeepTheirMnemonics) {
-    const struct {
-        const char *action, *caption, *keys;
-    } cases[] = {{"mnuEditDelete", "&Delete", "Del"},  {"mnuFileRename", "Re&name", "F2"},
-                 {"mnuEditRefresh", "&Refresh", "F5"}, {"mnuEditCopy", "&Copy", "Ctrl+C"},
-                 {"mnuEditPaste", "&Paste", "Ctrl+V"}, {"mnuEditFind", "&Find", "Ctrl+F"},
-                 {"mnuFileQuit", "&Quit", "Ctrl+Q"}};
+TEST_F(GuideTest, ShortcutsTriggerTheirMenuCommands) {
+    // The captions are checked with the others in the main window's test.
+    const std::pair<const char*, const char*> cases[] = {
+        {"mnuEditDelete", "Del"},  {"mnuFileRename", "F2"},    {"mnuEditRefresh", "F5"},
+        {"mnuEditCopy", "Ctrl+C"}, {"mnuEditPaste", "Ctrl+V"}, {"mnuEditFind", "Ctrl+F"},
+        {"mnuFileQuit", "Ctrl+Q"}};
     list("flbDocs")->setFocus();
-    for (const auto& c : cases) {
-        QAction* a = action(c.action);
-        ASSERT_NE(a, nullptr) << c.action;
-        EXPECT_EQ(a->text(), c.caption);
-        EXPECT_EQ(a->shortcut().toString(), c.keys);
+    for (const auto& [name, keys] : cases) {
+        QAction* a = action(name);
+        ASSERT_NE(a, nullptr) << name;
+        EXPECT_EQ(a->shortcut().toString(), keys);
         // Only whether the key reaches the command: what the command does is tested with it.
         QObject::disconnect(a, &QAction::triggered, nullptr, nullptr);
         a->setEnabled(true);
         int triggered = 0;
         QObject::connect(a, &QAction::triggered, [&] { ++triggered; });
         QTest::keySequence(window.get(), a->shortcut());
-        EXPECT_EQ(triggered, 1) << c.action;
+        EXPECT_EQ(triggered, 1) << name;
     }
 }
 
