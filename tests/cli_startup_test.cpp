@@ -28,17 +28,9 @@ TEST(TvkStartup, TracedStartInAnEmptyHomeBuildsTheLibraryAndTheLog) {
     EXPECT_EQ(home.list("Documents/Tavrin File Manager"),
               (std::vector<std::string>{"TVK.ini", "\u00A0Downloaded", "\u00A0Music Recordings",
                                         "\u00A0Preset Pool", "\u00A0Recycle Bin"}));
+    // +DEBUG reaches the trace; what it writes is the trace test's.
     const std::string log = home.read("prog/TVK_ErrorLog.txt");
-    EXPECT_TRUE(
-        startsWith(log, "Tavrin File Manager - Debugging Log\r\nVersion: 2021.0922.1101\r\n" +
-                            std::string(42, '-') + "\r\n"));
     EXPECT_NE(log.find("- |frmMain.Form_Load - ENTER\r\n"), std::string::npos) << log;
-    EXPECT_NE(log.find("- ||CodeModule.WriteIniFile - ENTER\r\nRemoving TVK.ini file\r\nClosing "
-                       "all files\r\n"),
-              std::string::npos);
-    // After the settings write the log's handle is closed: the console shows the error.
-    EXPECT_NE(run.output.find("[TVK: RUNTIME ERROR] Encountered Err#52"), std::string::npos)
-        << run.output;
 
     // A second, untraced start reads the settings and leaves the log as it was.
     run = test::runTvk({"startup"}, inHome);
