@@ -1,5 +1,5 @@
 // Volume rename and format: on image drives (fatlabel and mkfs.fat under the FUSE
-// mount), on Windows-style letters for the shell's format window, and through tvk.
+// mount) and on Windows-style letters for the shell's format window.
 
 #include <gtest/gtest.h>
 
@@ -14,8 +14,6 @@ namespace tvk {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ImageDriveContext;
-using test::TempTree;
 
 TEST(VolumeRename, AnswersBecomeElevenUpperCaseCharacters) {
     struct Case {
@@ -177,28 +175,6 @@ TEST_F(LetterFormat, FailedFormatOfAFullDriveLeavesItWithoutANewFolder) {
     mnuFileFormat_Click(c);
     EXPECT_TRUE(ui.done());
     EXPECT_FALSE(fs::exists(tree.path("E/TAVRIN")));
-}
-
-TEST(TvkDriveCommands, ScanRenameAndFormatAnImage) {
-    TVK_REQUIRE_FUSE();
-    TempTree tree;
-    const auto image = test::makeImage(tree, "stick.img", {"fat32", 40, "CLI STICK", "0BADF00D"});
-    const std::string tvk = std::string(TVK_CLI_PATH) + " --yes ";
-    const std::string opt = " --drive-image '" + pathToUtf8(image) + "'";
-    test::ScopedEnv home("HOME", pathToUtf8(tree.root()));
-    std::string out;
-    EXPECT_EQ(test::runCommand(tvk + "scan" + opt, &out), 0) << out;
-    for (const char* line :
-         {"[NO TAVRIN FOLDER]", "FileSystemName: \tFAT32\n", "VolumeName: \tCLI STICK\n",
-          "SerialNumber: \tBADF00D\n", "IsEmpty: \tFalse\n", "Accepted: yes\n"})
-        EXPECT_NE(out.find(line), std::string::npos) << line << "\n" << out;
-
-    EXPECT_EQ(test::runCommand(tvk + "rename-volume 'renamed one'" + opt, &out), 0) << out;
-    EXPECT_EQ(probeVolume(image)->label, "RENAMED ONE");
-    // --yes answers the format's question; what the format keeps is checked above.
-    EXPECT_EQ(test::runCommand(tvk + "format" + opt, &out), 0) << out;
-    EXPECT_NE(out.find("[FORMAT THUMBDRIVE]"), std::string::npos) << out;
-    EXPECT_NE(probeVolume(image)->serialNumber, 0x0BADF00Du);
 }
 
 }  // namespace
