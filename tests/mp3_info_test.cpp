@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <sstream>
 
 #include "mp3/cMP3Info.h"
@@ -255,24 +254,16 @@ TEST(Mp3Frame, XingSitsAfterTheSideInformation) {
     EXPECT_EQ(cMP3Info::StringToSizeBin(std::string("\x00\x00\x02\x01", 4)), 257u);
 }
 
-TEST_F(Mp3Headers, SurvivesRandomAndTruncatedBytes) {
+// Random bytes are the MP3 fuzz harness's.
+TEST_F(Mp3Headers, SurvivesTruncatedFiles) {
     std::string real;
     if (media().ok) real = test::readFile(media().path("tagged"));
-    std::mt19937 random(3);
-    auto check = [&](const std::string& bytes) {
-        const cMP3Info m = read(bytes);
+    for (std::size_t n = 0; n < real.size(); n += 4999) {
+        const cMP3Info m = read(real.substr(0, n));
         if (m.ValidMP3()) {
             EXPECT_GT(m.Frequency(), 0);
-            EXPECT_LT(m.HeaderOffset(), bytes.size());
+            EXPECT_LT(m.HeaderOffset(), n);
         }
-    };
-    for (std::size_t n = 0; n < real.size(); n += 4999) check(real.substr(0, n));
-    for (int round = 0; round < 300; ++round) {
-        std::string junk(random() % 2000, '\0');
-        for (auto& c : junk) c = static_cast<char>(random());
-        if (round % 2)
-            junk.insert(0, std::string("ID3\x04\x00", 5) + std::string(5, char(random() % 128)));
-        check(junk);
     }
     EXPECT_TRUE(ui.shown.empty());
 }

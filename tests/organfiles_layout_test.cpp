@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "app/RuntimeError.h"
 #include "organfiles/FileLayout.h"
 #include "organfiles/MakeFiles.h"
@@ -159,15 +157,15 @@ TEST_F(OrganLayoutRoutines, MoreThan750FilesIsAnIndexError) {
     EXPECT_EQ(ReadPresetNames(ctx, tree.path("many"))->size(), 750u);  // exactly full is fine
 }
 
-// Random bytes and every truncation of a real file: readers answer or refuse with the
-// numbers a bad header gives, never another error, a crash or a read past the end (run
-// under ASan to see the latter); once the first line is whole they read it right.
-TEST(OrganLayout, SurvivesRandomAndTruncatedFiles) {
+// Every truncation of a real file: readers answer or refuse with the numbers a bad
+// header gives, never another error, a crash or a read past the end (run under ASan to
+// see the latter); once the first line is whole they read it right. Random bytes and
+// button codes are the organ-file fuzz harness's.
+TEST(OrganLayout, SurvivesTruncatedFiles) {
     RandomSource names(7);
     const std::string good = buildTestFile(Series::E, FileKind::Recording, "Fuzz Song", names);
     const std::size_t firstLine = good.find_first_of("\r\n");
     ASSERT_NE(firstLine, std::string::npos);
-    std::mt19937 random(11);
     test::TempTree tree;
     auto probe = [&](const std::string& bytes) {
         SCOPED_TRACE(testing::Message() << bytes.size() << " bytes");
@@ -202,18 +200,6 @@ TEST(OrganLayout, SurvivesRandomAndTruncatedFiles) {
     };
     for (std::size_t n = 0; n <= 64; ++n) probe(good.substr(0, n));
     for (std::size_t n = 64; n < good.size(); n += 997) probe(good.substr(0, n));
-    for (int round = 0; round < 200; ++round) {
-        std::string junk(random() % 300, '\0');
-        for (auto& c : junk) c = static_cast<char>(random());
-        if (round % 3 == 0) junk.insert(random() % (junk.size() + 1), "TAVRN SEQ Ver");
-        probe(junk);
-    }
-    for (int round = 0; round < 500; ++round) {
-        std::string code(random() % 5, 'A');
-        for (auto& c : code) c = static_cast<char>(32 + random() % 95);
-        const auto pos = calcAddress("E", "PRESET", code);
-        EXPECT_TRUE(pos == 0 || pos == 33 || (pos - 1027) % 624 == 0) << code;
-    }
 }
 
 }  // namespace
