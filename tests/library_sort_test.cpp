@@ -8,7 +8,9 @@
 #include <regex>
 #include <set>
 
+#include "app/FileIO.h"
 #include "app/Routine.h"
+#include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "drive/ScanForUSBs.h"
 #include "library/SortFiles.h"
@@ -212,6 +214,41 @@ TEST(Sort, RefusesBeforeRenamingWhenAStayingFileHoldsANeededName) {
               "changed.");
     EXPECT_EQ(stick.contents(), files);
     EXPECT_FALSE(fs::exists(stick.library() / "FileSorting"));
+}
+
+// The renames trust the folder's listing instead of asking a FUSE stick about every new
+// name: a name known to be there, in any case, is refused, and nothing is ever replaced,
+// on a stick (no no-replace flag) and on a local disk (with one) alike.
+TEST(Sort, RenamesInAListedFolderNeverReplaceAFile) {
+    TVK_REQUIRE_FUSE();
+    const Files files{{"A.LPG", "a"}, {"B.LPG", "b"}};
+    SortStick stick(files);
+    test::TempTree local;
+    for (const auto& [name, bytes] : files) local.write(name, bytes);
+    const struct {
+        const char* from;
+        const char* to;
+        int error;
+    } steps[] = {
+        {"A.LPG", "b.lpg", kErrFileAlreadyExists},
+        {"A.LPG", "C.LPG", 0},
+        {"B.LPG", "a.LPG", 0},  // free again once A moved away
+        {"C.LPG", "A.LPG", kErrFileAlreadyExists},
+        {"C.LPG", "B.LPG", 0},
+    };
+    for (const fs::path& folder : {stick.folder(), local.root()}) {
+        FolderRenamer renamer(folder, folderEntries(folder));
+        for (const auto& step : steps) {
+            int error = 0;
+            try {
+                renamer.rename(step.from, step.to);
+            } catch (const RuntimeError& e) {
+                error = e.number();
+            }
+            EXPECT_EQ(error, step.error) << folder << ": " << step.from << " > " << step.to;
+        }
+        EXPECT_EQ(test::snapshot(folder), (Files{{"a.LPG", "b"}, {"B.LPG", "a"}})) << folder;
+    }
 }
 
 struct Interruption {

@@ -54,6 +54,9 @@ class OutputFile {
 void renameReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
 // Fails with 58 when `to` exists.
 void renameExclusive(const std::filesystem::path& from, const std::filesystem::path& to);
+// As renameExclusive where the file system itself refuses to replace; false, with nothing
+// renamed, where it cannot (FUSE drivers), so the caller can look in its own way.
+bool renameRefusingByItself(const std::filesystem::path& from, const std::filesystem::path& to);
 // Sets access and modification time (some FUSE drivers ignore a change of one alone).
 // False when the file system refused.
 bool setFileTimes(const std::filesystem::path& file, std::chrono::system_clock::time_point t);

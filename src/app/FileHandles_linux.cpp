@@ -138,12 +138,17 @@ void renameReplacing(const std::filesystem::path& from, const std::filesystem::p
     if (::rename(from.c_str(), to.c_str()) != 0) fail(errno, to);
 }
 
-void renameExclusive(const std::filesystem::path& from, const std::filesystem::path& to) {
+bool renameRefusingByItself(const std::filesystem::path& from, const std::filesystem::path& to) {
     if (::syscall(SYS_renameat2, AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) ==
         0)
-        return;
+        return true;
     const int err = errno;
     if (err != EINVAL && err != ENOSYS && err != EOPNOTSUPP) fail(err, to);
+    return false;
+}
+
+void renameExclusive(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (renameRefusingByItself(from, to)) return;
     // File systems without the no-replace flag (FUSE drivers among them): look first.
     struct stat st {};
     if (::lstat(to.c_str(), &st) == 0) fail(EEXIST, to);

@@ -110,6 +110,11 @@ void renameExclusive(const std::filesystem::path& from, const std::filesystem::p
     if (!MoveFileExW(from.c_str(), to.c_str(), 0)) fail(GetLastError(), to);
 }
 
+bool renameRefusingByItself(const std::filesystem::path& from, const std::filesystem::path& to) {
+    renameExclusive(from, to);  // a move without the replace flag never replaces
+    return true;
+}
+
 bool setFileTimes(const std::filesystem::path& file, std::chrono::system_clock::time_point t) {
     std::error_code ec;
     std::filesystem::last_write_time(file, std::chrono::file_clock::from_sys(t), ec);

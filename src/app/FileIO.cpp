@@ -194,6 +194,24 @@ void renameNoReplace(const std::filesystem::path& from, const std::filesystem::p
     detail::renameExclusive(from, to);
 }
 
+FolderRenamer::FolderRenamer(std::filesystem::path folder, const std::vector<std::string>& entries)
+    : folder_(std::move(folder)) {
+    for (const auto& e : entries) taken_.insert(utf8ToUpper(e));
+}
+
+void FolderRenamer::rename(const std::string& from, const std::string& to) {
+    const auto source = folder_ / pathFromUtf8(from), target = folder_ / pathFromUtf8(to);
+    const std::string upperFrom = utf8ToUpper(from), upperTo = utf8ToUpper(to);
+    if (upperTo != upperFrom && taken_.count(upperTo))
+        throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(target));
+    if (!refusesByItself_ || !detail::renameRefusingByItself(source, target)) {
+        refusesByItself_ = false;
+        detail::renameReplacing(source, target);
+    }
+    taken_.erase(upperFrom);
+    taken_.insert(upperTo);
+}
+
 std::filesystem::path temporaryNameFor(const std::filesystem::path& file) {
     // Hidden on Linux, and ending in neither an organ nor a media extension, so neither
     // the lists nor the organ take a left-over one for a real file.

@@ -11,6 +11,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
+#include <vector>
 
 namespace tvk {
 
@@ -80,6 +82,22 @@ std::string copyFileNamed(const std::filesystem::path& source, const std::filesy
 // Renames within one volume; refuses (58) when `to` exists instead of replacing it. On
 // FAT a name that differs only in case is the same file, so it counts as existing.
 void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Many renames within one folder whose every entry the caller has listed. Where the file
+// system cannot refuse to replace by itself, a rename goes ahead only when its new name is
+// not among the names known to be there (without regard to case, as on FAT), instead of
+// asking the file system first: on a FUSE stick every question that names a file costs a
+// scan of the whole folder. Refuses (58) like renameNoReplace.
+class FolderRenamer {
+  public:
+    FolderRenamer(std::filesystem::path folder, const std::vector<std::string>& entries);
+    void rename(const std::string& from, const std::string& to);
+
+  private:
+    std::filesystem::path folder_;
+    std::unordered_set<std::string> taken_;  // upper case
+    bool refusesByItself_ = true;            // until the file system says otherwise
+};
 
 // The temporary name a writer uses beside `file`: hidden, and never an organ file name.
 std::filesystem::path temporaryNameFor(const std::filesystem::path& file);

@@ -171,6 +171,7 @@ bool renumber(Routine& r, const std::vector<SortRow>& rows, const SortRequest& r
         writeNewFile(run.journalFile, journalText(run.journal));
     });
     if (!written) return false;
+    run.renamer.emplace(run.folder, entries);
     run.places.assign(run.journal.moves.size(), SortPlace::Old);
     const bool done = completeJournal(r, run, SortDirection::Finish, true);
     if (done) report.renamed = static_cast<int>(run.journal.moves.size());

@@ -20,10 +20,8 @@ bool renameOne(Routine& r, JournalRun& run, std::size_t i, SortPlace to, const c
     const std::string& target = nameAt(move, to);
     // The user knows the files by their real names, not the temporary ones.
     ctx.ui.setStatus(StatusPanel::Progress, status + (to == SortPlace::Temporary ? from : target));
-    const bool done =
-        r.step("Rename " + from + " to " + target + " in " + pathToUtf8(run.folder), [&] {
-            renameNoReplace(run.folder / pathFromUtf8(from), run.folder / pathFromUtf8(target));
-        });
+    const bool done = r.step("Rename " + from + " to " + target + " in " + pathToUtf8(run.folder),
+                             [&] { run.renamer->rename(from, target); });
     if (!done) return false;
     run.places[i] = to;
     ++run.renamesDone;
@@ -126,6 +124,7 @@ bool recover(Routine& r, const std::filesystem::path& journalFile) {
     }
     run.journal = *journal;
     run.places = *places;
+    run.renamer.emplace(run.folder, entries);
     const Answer answer = askFinishOrUndo(ctx, run);
     if (answer != Answer::Yes && answer != Answer::No) return false;
     const auto direction = answer == Answer::Yes ? SortDirection::Finish : SortDirection::Undo;

@@ -4,8 +4,10 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <vector>
 
+#include "app/FileIO.h"
 #include "app/Routine.h"
 #include "library/SortJournal.h"
 
@@ -20,6 +22,8 @@ struct JournalRun {
     std::filesystem::path journalFile;
     SortJournal journal;
     std::vector<SortPlace> places;  // where each file stands, kept up to date
+    // Renames in `folder`, knowing its entries from the listing the places come from.
+    std::optional<FolderRenamer> renamer;
     // Called after each rename with the number done so far in this run.
     std::function<void(int renamesDone)> afterEachRename;
     int renamesDone = 0;
