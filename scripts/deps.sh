@@ -11,6 +11,7 @@ packages=(
     g++-mingw-w64-x86-64-posix googletest wine wine64
     dosfstools mtools fusefat fuse3 exfat-fuse exfatprogs fuse2fs e2fsprogs fiu-utils
     libglib2.0-bin
+    libsystemd-dev dbus udev udisks2
     lame ffmpeg gstreamer1.0-plugins-good
     xvfb xauth xdg-utils
 )

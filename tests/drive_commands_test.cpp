@@ -59,12 +59,10 @@ TEST(VolumeRename, ImageDriveGetsTheNewLabelOrSaysWhyNot) {
     // A label the file system refuses is reported and the old one stays.
     drives.ui.expectPrompt("RENAME VOLUME", "gr\xC3\xBCn")
         .expect("RENAME USB", Answer::Yes)
-        .expect("RENAME VOLUME");
+        .expect("RENAME USB DRIVE");
     btnRenameVol_Click(ctx);
     EXPECT_TRUE(drives.ui.done());
-    EXPECT_EQ(
-        drives.ui.shown.back().text.rfind("The volume name was not changed to \"GR\xC3\x9CN\".", 0),
-        0u);
+    EXPECT_EQ(drives.ui.shown.back().text.rfind("The volume name was not changed.\r\r", 0), 0u);
     EXPECT_EQ(ctx.state.drive.volumeName, "NEW ORGAN S");
     EXPECT_EQ(probeVolume(drives.image)->label, "NEW ORGAN S");
     EXPECT_TRUE(ctx.state.drive.present);

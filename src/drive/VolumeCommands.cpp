@@ -75,13 +75,13 @@ ScanOutcome btnRenameVol_Click(Context& ctx) {
         std::string problem;
         r.step("Rename drive " + normaliseDriveText(d.letter) + " to " + label,
                [&] { problem = ctx.volumes->setLabel(d.letter, label); });
-        ctx.ui.setStatus(StatusPanel::Drive,
-                         "Volume Name: " + label + "        Serial Number:" + d.serialHex);
-        if (!problem.empty())
-            ctx.ui.inform(
-                "RENAME VOLUME",
-                "The volume name was not changed to " + kQ + label + kQ + "." + kBlank + problem,
-                Icon::Exclamation);
+        // A refused label is said, not shown as if it had been taken.
+        if (problem.empty())
+            ctx.ui.setStatus(StatusPanel::Drive,
+                             "Volume Name: " + label + "        Serial Number:" + d.serialHex);
+        else
+            ctx.ui.inform("RENAME USB DRIVE", "The volume name was not changed." + kBlank + problem,
+                          Icon::Exclamation);
         outcome = ScanForUSBs(ctx);
     });
     return outcome;
@@ -107,7 +107,9 @@ ScanOutcome mnuFileFormat_Click(Context& ctx) {
         if (formatted && formatted->problem.empty() &&
             (empty || formatted->result != kFormatError)) {
             r.step("Create the TAVRIN folder", [&] {
+                // A stick that did not come back after the format has no root yet.
                 d.root = volumes.rootPath(d.letter);
+                if (d.root.empty()) Routine::raise(kErrDiskNotReady, d.letter);
                 if (!std::filesystem::create_directory(d.tavrinFolder()))
                     Routine::raise(kErrPathFileAccess, pathToUtf8(d.tavrinFolder()));
             });

@@ -1,8 +1,9 @@
-// Linux drives: image files attached with --drive-image, then the machine's mounted
-// removable volumes (a parent disk flagged removable, or anything on a USB bus), in the
-// order of their device names so the same stick wins each time, as the lowest letter
-// does on Windows. Label and serial number come from the FAT boot sector when the
-// device can be read, else from the udev database; rename and format go through udisks.
+// Linux drives: image files attached with --drive-image (a block device given there is
+// taken as a stick as it stands, mounted or not), then the machine's mounted removable volumes (a
+// parent disk flagged removable, or anything on a USB bus), in the order of their device names so
+// the same stick wins each time, as the lowest letter does on Windows. Label and serial number come
+// from the FAT boot sector when the device can be read, else from the udev database; rename and
+// format go through udisks.
 
 #include <fcntl.h>
 #include <poll.h>
@@ -16,6 +17,7 @@
 #include "drive/ImageDrives.h"
 #include "drive/MountInfo.h"
 #include "drive/Process.h"
+#include "drive/Udisks.h"
 #include "drive/VolumeHelpers.h"
 #include "drive/Volumes.h"
 
@@ -71,39 +73,19 @@ VolumeInfo systemVolumeInfo(const SystemVolume& v) {
     return fromProbe(probeFromUdev(udev, v.mount.fsType));
 }
 
-// gdbus takes its arguments as GVariant text.
-std::string gvariantString(const std::string& text) {
-    std::string out = "'";
-    for (const char c : text) {
-        if (c == '\'' || c == '\\') out += '\\';
-        out += c;
-    }
-    return out + "'";
-}
-
-const char* const kUdisksMissing =
-    "This needs the udisks2 service, which is not running on this computer, so the "
-    "thumbdrive was left as it was.";
-
-bool udisksRunning() {
-    return runProcess({"gdbus", "introspect", "--system", "--dest", "org.freedesktop.UDisks2",
-                       "--object-path", "/org/freedesktop/UDisks2"})
-        .ok();
-}
-
-ProcessResult udisksCall(const std::string& device, const std::string& method,
-                         std::vector<std::string> args) {
-    std::vector<std::string> argv = {"gdbus",
-                                     "call",
-                                     "--system",
-                                     "--dest",
-                                     "org.freedesktop.UDisks2",
-                                     "--object-path",
-                                     "/org/freedesktop/UDisks2/block_devices/" + device,
-                                     "--method",
-                                     "org.freedesktop.UDisks2." + method};
-    argv.insert(argv.end(), args.begin(), args.end());
-    return runProcess(argv);
+// A block device named with --drive-image (an unmounted stick, a loop device), taken as
+// a stick whatever its bus: its mount if it has one, else none and the device node.
+std::optional<SystemVolume> namedDevice(const std::string& id) {
+    const fs::path node = "/dev/" + id;
+    std::error_code ec;
+    if (!fs::is_block_file(node, ec)) return std::nullopt;
+    const std::string numbers = trimWhitespace(readTextFile("/sys/class/block/" + id + "/dev"));
+    for (const auto& m : parseMountInfo(readTextFile("/proc/self/mountinfo")))
+        if (m.root == "/" && std::to_string(m.major) + ":" + std::to_string(m.minor) == numbers)
+            return SystemVolume{id, m, DriveType::Removable};
+    SystemVolume unmounted{id, {}, DriveType::Removable};
+    unmounted.mount.source = pathToUtf8(node);
+    return unmounted;
 }
 
 class LinuxVolumes : public Volumes {
@@ -111,7 +93,13 @@ class LinuxVolumes : public Volumes {
     LinuxVolumes(const VolumesOptions& options)
         : images_(imageMountFolder()), system_(options.systemVolumes) {
         ImageDrives::cleanStale(imageMountFolder());
-        for (const auto& image : options.images) images_.attach(image);
+        for (const auto& image : options.images) {
+            std::error_code ec;
+            if (fs::is_block_file(image, ec))
+                devices_.push_back(fileNameUtf8(fs::canonical(image, ec)));
+            else
+                images_.attach(image);
+        }
         last_ = snapshot();
     }
     ~LinuxVolumes() override {
@@ -121,22 +109,24 @@ class LinuxVolumes : public Volumes {
     std::vector<std::string> drives() override {
         std::vector<std::string> ids;
         for (auto& d : images_.all()) ids.push_back(d->id);
+        ids.insert(ids.end(), devices_.begin(), devices_.end());
         if (system_)
-            for (const auto& v : systemVolumes()) ids.push_back(v.id);
+            for (const auto& v : systemVolumes())
+                if (std::find(devices_.begin(), devices_.end(), v.id) == devices_.end())
+                    ids.push_back(v.id);
         return ids;
     }
 
     DriveType driveType(const std::string& drive) override {
         if (auto* d = images_.find(drive))
             return ImageDrives::isMounted(*d) ? DriveType::Removable : DriveType::NoRootDir;
-        if (!system_) return DriveType::NoRootDir;
-        const auto v = systemVolume(drive);
+        const auto v = volume(drive);
         return v ? v->type : DriveType::NoRootDir;
     }
 
     fs::path rootPath(const std::string& drive) override {
         if (auto* d = images_.find(drive)) return d->mountDir;
-        const auto v = system_ ? systemVolume(drive) : std::nullopt;
+        const auto v = volume(drive);
         return v ? pathFromUtf8(v->mount.mountPoint) : fs::path();
     }
 
@@ -148,41 +138,39 @@ class LinuxVolumes : public Volumes {
             d->probe = *probe;
             return fromProbe(*probe);
         }
-        const auto v = system_ ? systemVolume(drive) : std::nullopt;
-        if (!v) throw RuntimeError(kErrDiskNotReady, drive);
+        // Unmounted, the volume is not ready, as a drive Windows gave no letter is.
+        const auto v = volume(drive);
+        if (!v || v->mount.mountPoint.empty()) throw RuntimeError(kErrDiskNotReady, drive);
         return systemVolumeInfo(*v);
     }
 
     std::string deviceId(const std::string& drive) override {
         if (auto* d = images_.find(drive)) return pathToUtf8(d->image);
-        const auto v = system_ ? systemVolume(drive) : std::nullopt;
+        const auto v = volume(drive);
         return v ? v->mount.source : std::string();
     }
 
     std::vector<std::string> systemEntries(const std::string& drive) override {
         if (auto* d = images_.find(drive)) return imageSystemEntries(d->probe);
-        const auto v = system_ ? systemVolume(drive) : std::nullopt;
+        const auto v = volume(drive);
         if (v && startsWith(v->mount.fsType, "ext")) return {"lost+found"};
         return {};
     }
 
     std::string setLabel(const std::string& drive, const std::string& label) override {
         if (auto* d = images_.find(drive)) return relabelImage(*d, label);
-        const auto v = system_ ? systemVolume(drive) : std::nullopt;
+        const auto v = volume(drive);
         if (!v) return "The thumbdrive is no longer attached.";
-        if (!udisksRunning()) return kUdisksMissing;
-        const auto r = udisksCall(v->id, "Filesystem.SetLabel", {gvariantString(label), "{}"});
-        return r.ok() ? std::string() : trimWhitespace(r.output);
+        return udisks::setLabel(v->id, label);
     }
 
     bool hasFormatWindow() const override { return false; }
 
     FormatOutcome format(const std::string& drive, const std::string& label) override {
         if (auto* d = images_.find(drive)) return formatImage(*d, label);
-        const auto v = system_ ? systemVolume(drive) : std::nullopt;
+        const auto v = volume(drive);
         if (!v) return {kFormatError, "The thumbdrive is no longer attached."};
-        if (!udisksRunning()) return {kFormatError, kUdisksMissing};
-        return formatWithUdisks(v->id, label);
+        return formatWithUdisks(*v, label);
     }
 
     int noticeHandle() override {
@@ -245,18 +233,26 @@ class LinuxVolumes : public Volumes {
         return {0, {}};
     }
 
-    FormatOutcome formatWithUdisks(const std::string& device, const std::string& label) {
-        udisksCall(device, "Filesystem.Unmount", {"{}"});
-        std::string options = "{'update-partition-type': <true>";
-        if (!label.empty()) options += ", 'label': <" + gvariantString(label) + ">";
-        options += "}";
-        const auto r = udisksCall(device, "Block.Format", {"'vfat'", options});
-        udisksCall(device, "Filesystem.Mount", {"{}"});
-        if (!r.ok()) return {kFormatError, trimWhitespace(r.output)};
+    // A device that will not mount again afterwards is formatted all the same; the
+    // TAVRIN folder step then finds it not ready.
+    static FormatOutcome formatWithUdisks(const SystemVolume& v, const std::string& label) {
+        if (!v.mount.mountPoint.empty())
+            if (std::string problem = udisks::unmount(v.id); !problem.empty())
+                return {kFormatError, problem};
+        if (std::string problem = udisks::formatFat(v.id, label); !problem.empty())
+            return {kFormatError, problem};
+        udisks::mount(v.id);
         return {0, {}};
     }
 
+    std::optional<SystemVolume> volume(const std::string& drive) {
+        if (std::find(devices_.begin(), devices_.end(), drive) != devices_.end())
+            return namedDevice(drive);
+        return system_ ? systemVolume(drive) : std::nullopt;
+    }
+
     ImageDrives images_;
+    std::vector<std::string> devices_;  // block devices named with --drive-image
     bool system_;
     int noticeFd_ = -1;
     std::vector<std::pair<std::string, std::string>> last_;
