@@ -1,5 +1,5 @@
 #pragma once
-// Runs a helper program (mkfs.fat, fatlabel, fusefat, gdbus, ...) without a shell and
+// Runs a helper program (mkfs.fat, fatlabel, fusefat, ...) without a shell and
 // collects what it printed.
 
 #include <string>

@@ -1,9 +1,9 @@
 // Linux drives: image files attached with --drive-image (a block device given there is
-// taken as a stick as it stands, mounted or not), then the machine's mounted removable volumes (a
-// parent disk flagged removable, or anything on a USB bus), in the order of their device names so
-// the same stick wins each time, as the lowest letter does on Windows. Label and serial number come
-// from the FAT boot sector when the device can be read, else from the udev database; rename and
-// format go through udisks.
+// taken as a stick as it stands), then the machine's mounted removable volumes (a parent
+// disk flagged removable, or anything on a USB bus), in the order of their device names
+// so the same stick wins each time, as the lowest letter does on Windows. Label and
+// serial number come from the FAT boot sector when the device can be read, else from
+// the udev database; rename and format go through udisks.
 
 #include <fcntl.h>
 #include <poll.h>
