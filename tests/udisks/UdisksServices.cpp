@@ -72,13 +72,9 @@ bool udevdRunningAlready() {
     return false;
 }
 
-bool stopped(pid_t pid, std::chrono::milliseconds limit) {
-    return waitUntil(
-        [&] {
-            int status = 0;
-            return waitpid(pid, &status, WNOHANG) == pid;
-        },
-        std::chrono::duration_cast<std::chrono::seconds>(limit));
+bool stopped(pid_t pid) {
+    return waitUntil([&] { return waitpid(pid, nullptr, WNOHANG) == pid; },
+                     std::chrono::seconds(5));
 }
 
 }  // namespace
@@ -180,7 +176,7 @@ void UdisksServices::stopAll() {
     // Last started first: udisksd before the udev and the bus it uses.
     for (auto it = pids_.rbegin(); it != pids_.rend(); ++it) {
         kill(*it, SIGTERM);
-        if (!stopped(*it, std::chrono::seconds(5))) {
+        if (!stopped(*it)) {
             kill(*it, SIGKILL);
             waitpid(*it, nullptr, 0);
         }
@@ -211,6 +207,9 @@ void UdisksServices::detach(const std::string& device) {
     std::string out;
     EXPECT_EQ(runCommand("losetup -d /dev/" + device, &out), 0) << out;
     std::erase(devices_, device);
+    if (up_ && !waitUntil([&] { return udisksBlockProperty(device, "IdType").empty(); },
+                          std::chrono::seconds(30)))
+        ADD_FAILURE() << "udisks still shows a file system on " << device;
 }
 
 std::string udisksBlockProperty(const std::string& device, const std::string& property) {

@@ -36,7 +36,7 @@ class UdisksServices {
     // shows its FAT file system. The device's name ("loop7"), or empty (the test has
     // failed) when not.
     std::string attach(const std::filesystem::path& image);
-    // Detaches it now, as a stick is pulled out.
+    // Detaches it now, as a stick is pulled out, and waits until udisks has seen that.
     void detach(const std::string& device);
 
   private:
