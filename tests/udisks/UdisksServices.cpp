@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <functional>
@@ -26,6 +27,7 @@ namespace fs = std::filesystem;
 namespace {
 
 const char* const kUdevRun = "/run/udev";
+const char* const kSocket = "system_bus_socket";
 
 std::string firstExisting(const std::vector<std::string>& candidates) {
     for (const auto& c : candidates)
@@ -91,10 +93,12 @@ std::string UdisksServices::unavailableReason() {
 }
 
 UdisksServices::UdisksServices(fs::path stateFile, Start what)
-    : stateFile_(std::move(stateFile)), folder_(makeTempFolder("tvk-udisks-")) {
+    : stateFile_(std::move(stateFile)),
+      folder_(makeTempFolder("tvk-udisks-")),
+      busAddress_("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + pathToUtf8(folder_ / kSocket)),
+      tempFolder_("TMPDIR", pathToUtf8(folder_)) {
     record("folder " + pathToUtf8(folder_));
-    const fs::path socket = folder_ / "system_bus_socket";
-    setEnv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + pathToUtf8(socket));
+    const fs::path socket = folder_ / kSocket;
     if (what == Start::Nothing) return;
     std::ofstream(folder_ / "bus.conf")
         << "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
@@ -139,7 +143,6 @@ UdisksServices::UdisksServices(fs::path stateFile, Start what)
 UdisksServices::~UdisksServices() {
     for (const auto& device : std::vector<std::string>(devices_)) detach(device);
     stopAll();
-    unsetEnv("DBUS_SYSTEM_BUS_ADDRESS");
     std::error_code ec;
     if (madeUdevRun_) fs::remove_all(kUdevRun, ec);
     fs::remove_all(folder_, ec);
@@ -204,6 +207,7 @@ std::string UdisksServices::attach(const fs::path& image) {
 }
 
 void UdisksServices::detach(const std::string& device) {
+    if (std::find(devices_.begin(), devices_.end(), device) == devices_.end()) return;
     std::string out;
     EXPECT_EQ(runCommand("losetup -d /dev/" + device, &out), 0) << out;
     std::erase(devices_, device);

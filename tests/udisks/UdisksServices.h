@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "support/TempTree.h"
+
 namespace tvk::test {
 
 class UdisksServices {
@@ -21,9 +23,9 @@ class UdisksServices {
     // empty when it can.
     static std::string unavailableReason();
 
-    // Points this process's system bus at a socket of its own and starts the three
-    // services there (or nothing, for the service missing); fails the test when one does
-    // not come up.
+    // Points this process's system bus at a socket in a folder of its own (which also
+    // holds the temporary folders made meanwhile) and starts the three services there,
+    // or nothing, for the service missing; fails the test when one does not come up.
     enum class Start { All, Nothing };
     explicit UdisksServices(std::filesystem::path stateFile, Start what = Start::All);
     ~UdisksServices();
@@ -36,7 +38,8 @@ class UdisksServices {
     // shows its FAT file system. The device's name ("loop7"), or empty (the test has
     // failed) when not.
     std::string attach(const std::filesystem::path& image);
-    // Detaches it now, as a stick is pulled out, and waits until udisks has seen that.
+    // Detaches it now, as a stick is pulled out, and waits until udisks has seen that;
+    // nothing when it is detached already.
     void detach(const std::string& device);
 
   private:
@@ -46,6 +49,9 @@ class UdisksServices {
 
     std::filesystem::path stateFile_;
     std::filesystem::path folder_;
+    // The tests' temporary trees go inside the folder too, so the cleanup's removal of
+    // the folder takes the images and libraries of a killed test with it.
+    ScopedEnv busAddress_, tempFolder_;
     std::vector<pid_t> pids_;
     std::vector<std::string> devices_;
     bool madeUdevRun_ = false;

@@ -11,9 +11,6 @@ while read -r kind what _; do
     for device in $(losetup --list --noheadings --output NAME --associated "$what" 2>/dev/null); do
         losetup -d "$device" && echo "detached $device ($what)"
     done
-    case $what in
-        */tvktest-*/*.img) rm -f "$what" ;;
-    esac
 done <"$state"
 
 # Newest first: udisksd before the udev and the bus it uses.

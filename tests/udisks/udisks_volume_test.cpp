@@ -36,7 +36,8 @@ std::string fatLabel(const std::string& device) {
 // would have found it when it was still mounted.
 struct LoopStick {
     LoopStick(test::UdisksServices& services, const std::string& label)
-        : image({"fat16", 32, label, "0000BEEF"}, std::vector<std::string>{"SUPSET01.SPG"}),
+        : services(services),
+          image({"fat16", 32, label, "0000BEEF"}, std::vector<std::string>{"SUPSET01.SPG"}),
           device(services.attach(image.image)),
           drives({pathFromUtf8("/dev/" + device)}),
           ctx(drives.ctx()),
@@ -55,6 +56,8 @@ struct LoopStick {
         d.fileSystem = "FAT";
         d.driveType = static_cast<int>(DriveType::Removable);
     }
+    ~LoopStick() { services.detach(device); }
+    test::UdisksServices& services;
     test::StickImage image;
     std::string device;
     test::ImageDriveContext drives;
