@@ -1,5 +1,8 @@
 #include "ui/CommandRunner.h"
 
+#include <QApplication>
+#include <QDialog>
+#include <QMouseEvent>
 #include <QTimer>
 
 #include "app/Text.h"
@@ -12,22 +15,59 @@ CommandRunner::CommandRunner(MainState& state, Interaction& ui, Hooks hooks, QOb
 
 void CommandRunner::begin() {
     state_.busy = true;
+    afterBox_ = false;
+    heldClick_ = nullptr;
+    qApp->installEventFilter(this);
     hooks_.started();
 }
 
 void CommandRunner::end() {
+    qApp->removeEventFilter(this);
     state_.busy = false;
     hooks_.ended();
     if (closeWhenDone_) {
         closeWhenDone_ = false;
         QTimer::singleShot(0, this, [this] { hooks_.closeWindow(); });
+        return;
     }
+    if (heldClick_) {
+        QTimer::singleShot(0, this, [button = heldClick_] {
+            if (button && button->isEnabled() && button->isVisible()) button->click();
+        });
+        heldClick_ = nullptr;
+    }
+    if (!waiting_.empty()) QTimer::singleShot(0, this, [this] { runWaiting(); });
+}
+
+bool CommandRunner::eventFilter(QObject* watched, QEvent* event) {
+    const auto type = event->type();
+    if ((type == QEvent::Show || type == QEvent::Hide) && qobject_cast<QDialog*>(watched)) {
+        // Only what is clicked after the command's last box is kept.
+        afterBox_ = type == QEvent::Hide;
+        heldClick_ = nullptr;
+    } else if (type == QEvent::MouseButtonPress && afterBox_) {
+        // The press is enough: its release may come only once the button is enabled again.
+        auto* button = qobject_cast<QAbstractButton*>(watched);
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (button && !button->isEnabled() && mouse->button() == Qt::LeftButton &&
+            button->window() == parent() && !QApplication::activeModalWidget())
+            heldClick_ = button;
+    }
+    return false;
 }
 
 void CommandRunner::whenIdle(std::function<void()> work) {
     if (!state_.busy) return work();
-    QTimer::singleShot(250, this,
-                       [this, work = std::move(work)]() mutable { whenIdle(std::move(work)); });
+    waiting_.push_back(std::move(work));
+}
+
+void CommandRunner::runWaiting() {
+    // One at a time: each may be a command of its own, and the next waits for it.
+    while (!waiting_.empty() && !state_.busy) {
+        auto work = std::move(waiting_.front());
+        waiting_.pop_front();
+        work();
+    }
 }
 
 bool CommandRunner::mayClose() {

@@ -2,8 +2,16 @@
 // Runs the window's commands one at a time. While one runs the others wait: the window
 // disables them, device notices and page loads are held back until it ends, and closing
 // the window asks first and then waits for it.
+//
+// A click that lands on a button in the moment between a box closing and the command
+// ending would fall on a disabled button and be lost (the windowing system hands the box's
+// last key and the next click over together). Such a click is kept and given to its button
+// as soon as the command has ended.
 
+#include <QAbstractButton>
 #include <QObject>
+#include <QPointer>
+#include <deque>
 #include <functional>
 
 #include "app/MainState.h"
@@ -46,14 +54,21 @@ class CommandRunner : public QObject {
     // closes when the command has ended.
     bool mayClose();
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void begin();
     void end();
+    void runWaiting();
 
     MainState& state_;
     Interaction& ui_;
     Hooks hooks_;
     bool closeWhenDone_ = false;
+    bool afterBox_ = false;                      // a box of the running command has closed
+    QPointer<QAbstractButton> heldClick_;        // clicked meanwhile, clicked again at the end
+    std::deque<std::function<void()>> waiting_;  // device notices and page loads
 };
 
 }  // namespace tvk::ui

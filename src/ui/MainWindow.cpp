@@ -203,9 +203,9 @@ void MainWindow::refreshPanels() {
 
 void MainWindow::applyListColors() {
     const auto& s = session_.settings;
-    applyColors(dirDocs_, s.compFolderFC, s.compFolderBC);
-    applyColors(flbDocs_, s.compFilesFC, s.compFilesBC);
-    applyColors(flbUSB_, s.usbFilesFC, s.usbFilesBC);
+    paintList(dirDocs_, s.compFolderFC, s.compFolderBC);
+    paintList(flbDocs_, s.compFilesFC, s.compFilesBC);
+    paintList(flbUSB_, s.usbFilesFC, s.usbFilesBC);
 }
 
 // --- Window events -------------------------------------------------------------------
@@ -224,6 +224,10 @@ void MainWindow::changeEvent(QEvent* event) {
 
 void MainWindow::activate() {
     if (!loaded_ || session_.state.busy) return;
+    // Once the scan has run and the notice has been read, an activation has nothing to do.
+    // Running it as a command anyway would grey every control for a moment, and a click
+    // that activated the window would lose its press to that.
+    if (activatedOnce_ && session_.settings.formatChange) return;
     command([&] {
         auto ctx = context();
         FormActivate(ctx, activatedOnce_,

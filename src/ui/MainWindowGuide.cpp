@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QMenuBar>
 
+#include "ui/Colors.h"
 #include "ui/ElidedText.h"
 
 namespace tvk::ui {
@@ -95,7 +96,7 @@ namespace {
 constexpr int kListRows = 5;
 
 void markFocus(QAbstractItemView* view) {
-    view->setStyleSheet("QAbstractItemView:focus { border: 2px solid palette(highlight); }");
+    view->setStyleSheet(kListFocusRule);
     view->setMinimumHeight(view->fontMetrics().height() * kListRows + 8);
 }
 

@@ -121,13 +121,13 @@ TEST_F(StickWindow, TheFiveTransferButtons) {
     // Pulled behind the program's back: the removal notice that arrives during another
     // command waits for it to end, then the list empties and nothing is left to transfer.
     runCommand("fusermount -u '" + pathToUtf8(window->session().state.drive.root) + "'");
-    window->session().state.busy = true;
-    emit find<ui::DeviceWatch>("SysInfo1")
-        ->notice(
-            DeviceNotice{DeviceNotice::Kind::Removal, window->session().state.drive.letter, {}});
-    QApplication::processEvents();
-    EXPECT_TRUE(window->session().state.drive.present);
-    window->session().state.busy = false;
+    window->command([&] {
+        emit find<ui::DeviceWatch>("SysInfo1")
+            ->notice(DeviceNotice{
+                DeviceNotice::Kind::Removal, window->session().state.drive.letter, {}});
+        QApplication::processEvents();
+        EXPECT_TRUE(window->session().state.drive.present);
+    });
     EXPECT_TRUE(waitUntil([&] { return !window->session().state.drive.present; }));
     EXPECT_EQ(list("flbUSB")->count(), 0);
     EXPECT_TRUE(find<QLineEdit>("txtUSBPath")->text().isEmpty());
