@@ -139,9 +139,9 @@ TEST(LinuxSystem, InstallationRecordIsTheUsersOverEachMachineFolder) {
     TVK_LINUX_ONLY("registry files under the XDG folders");
     test::TempTree tree;
     const std::string section = "[HKEY_LOCAL_MACHINE\\" + std::string(kUninstallKey) + "]\n";
-    tree.write("etc1/Tavrin File Manager/registry.ini",
+    tree.write("etc1/tavrin-file-manager/registry.ini",
                section + "InstallLocation=/usr/share/tavrin-file-manager\nDisplayVersion=2021\n");
-    tree.write("etc2/Tavrin File Manager/registry.ini",
+    tree.write("etc2/tavrin-file-manager/registry.ini",
                section + "InstallLocation=/opt/other\nDisplayName=Second\n");
     tree.write("user/Tavrin File Manager/registry.ini", section + "DisplayVersion=2020\n");
     const std::string etc1 = pathToUtf8(tree.path("etc1")), etc2 = pathToUtf8(tree.path("etc2"));
@@ -167,10 +167,10 @@ TEST(LinuxSystem, InstallationRecordIsTheUsersOverEachMachineFolder) {
     }
 
     test::ScopedEnv dirs("XDG_CONFIG_DIRS", etc1);
-    const std::string machine = tree.read("etc1/Tavrin File Manager/registry.ini");
+    const std::string machine = tree.read("etc1/tavrin-file-manager/registry.ini");
     makePlatformSystem()->regSet(RegistryRoot::LocalMachine, kUninstallKey, "DisplayVersion",
                                  std::string("2022"));
-    EXPECT_EQ(tree.read("etc1/Tavrin File Manager/registry.ini"), machine);
+    EXPECT_EQ(tree.read("etc1/tavrin-file-manager/registry.ini"), machine);
     EXPECT_EQ(tree.read("user/Tavrin File Manager/registry.ini"),
               section + "DisplayVersion=2022\n");
 }

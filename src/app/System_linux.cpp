@@ -42,7 +42,8 @@ std::filesystem::path productConfigFolder() {
 constexpr const char* kRegistryFileName = "registry.ini";
 
 // The machine-wide record, as the local-machine hive is: the package puts it under
-// /etc/xdg. Relative entries are ignored, as the base-directory rules say.
+// /etc/xdg, in a folder without spaces because dpkg's list of configuration files
+// cannot hold them. Relative entries are ignored, as the base-directory rules say.
 std::vector<std::filesystem::path> machineRegistryFiles() {
     const char* dirs = std::getenv("XDG_CONFIG_DIRS");
     const std::string list = dirs && *dirs ? dirs : "/etc/xdg";
@@ -51,7 +52,7 @@ std::vector<std::filesystem::path> machineRegistryFiles() {
     std::string dir;
     while (std::getline(in, dir, ':'))
         if (!dir.empty() && dir.front() == '/')
-            files.push_back(pathFromUtf8(dir) / "Tavrin File Manager" / kRegistryFileName);
+            files.push_back(pathFromUtf8(dir) / "tavrin-file-manager" / kRegistryFileName);
     return files;
 }
 
