@@ -5,7 +5,7 @@
 # the user's library.
 #   tests/installers/nsis_roundtrip.sh build/packages/tavrin-file-manager-VERSION-setup.exe
 set -euo pipefail
-cd "$(dirname "$0")/../.."
+root=$(realpath "$(dirname "$0")/../..")
 setup=$(realpath "$1")
 version=$(basename "$setup" | sed -E 's/^tavrin-file-manager-(.*)-setup\.exe$/\1/')
 prefix=$(mktemp -d)/wineprefix
@@ -17,7 +17,7 @@ fail() {
     echo "nsis_roundtrip: $*" >&2
     exit 1
 }
-wine_() { scripts/wine-run.sh "$prefix" "$@"; }
+wine_() { "$root/scripts/wine-run.sh" "$prefix" "$@"; }
 settle() { WINEPREFIX=$prefix wineserver --wait; }
 value() { wine_ reg query "$key" /v "$1" /reg:64 2>/dev/null | tr -d '\r' | sed -nE "s/^ *$1 +REG_[A-Z]+ +//p"; }
 
