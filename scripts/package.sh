@@ -32,7 +32,7 @@ while [ $# -gt 0 ]; do
 done
 
 scripts/deps.sh
-out=$PWD/build/packages
+out=$PWD/${TVK_BUILD_DIR:-build}/packages
 release=${TVK_RELEASE_DIR:-build-release}
 mingw=${TVK_BUILD_DIR:-build}-mingw
 mkdir -p "$out"
