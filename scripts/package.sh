@@ -43,7 +43,7 @@ cmake -S . -B "$release" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTVK_PACKAGE=ON \
 cmake --build "$release"
 version=$("$release/src/tvk" --version)
 deb=$out/tavrin-file-manager_${version}_amd64.deb
-rm -rf "$out/cpack" "$deb"
+rm -rf "$out/cpack" "$deb" "$out/window-files.nsh"
 (cd "$release" && cpack -G DEB -B "$out/cpack" >/dev/null)
 mv "$out/cpack/$(basename "$deb")" "$deb"
 rm -rf "$out/cpack"
