@@ -14,6 +14,7 @@ packages=(
     libsystemd-dev dbus udev udisks2
     lame ffmpeg gstreamer1.0-plugins-good
     xvfb xauth xdg-utils
+    qt6-qpa-plugins nsis lintian desktop-file-utils appstream
 )
 
 missing=()

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "app/CommonRoutines.h"
+#include "app/Paths.h"
 #include "app/RegistryFile.h"
 #include "app/Text.h"
 #include "app/Trash.h"
@@ -130,6 +131,48 @@ TEST(LinuxSystem, SingleInstanceLockIsHeldUntilTheHolderEnds) {
     EXPECT_FALSE(makePlatformSystem()->acquireSingleInstance());
     first.reset();  // as a crashed instance's lock goes with its process
     EXPECT_TRUE(makePlatformSystem()->acquireSingleInstance());
+}
+
+// The package ships a machine-wide record under $XDG_CONFIG_DIRS; the user's own record
+// wins value by value, and the start-up's writes go to the user's record alone.
+TEST(LinuxSystem, InstallationRecordIsTheUsersOverEachMachineFolder) {
+    TVK_LINUX_ONLY("registry files under the XDG folders");
+    test::TempTree tree;
+    const std::string section = "[HKEY_LOCAL_MACHINE\\" + std::string(kUninstallKey) + "]\n";
+    tree.write("etc1/tavrin-file-manager/registry.ini",
+               section + "InstallLocation=/usr/share/tavrin-file-manager\nDisplayVersion=2021\n");
+    tree.write("etc2/tavrin-file-manager/registry.ini",
+               section + "InstallLocation=/opt/other\nDisplayName=Second\n");
+    tree.write("user/Tavrin File Manager/registry.ini", section + "DisplayVersion=2020\n");
+    const std::string etc1 = pathToUtf8(tree.path("etc1")), etc2 = pathToUtf8(tree.path("etc2"));
+    test::ScopedEnv user("XDG_CONFIG_HOME", pathToUtf8(tree.path("user")));
+
+    const struct {
+        std::string dirs, name;
+        std::optional<std::string> value;
+    } cases[] = {
+        {etc1 + ":" + etc2, "InstallLocation", "/usr/share/tavrin-file-manager"},
+        {etc2 + ":" + etc1, "InstallLocation", "/opt/other"},
+        {etc1 + ":" + etc2, "DisplayName", "Second"},  // every folder is looked in
+        {"etc2::" + etc1, "InstallLocation", "/usr/share/tavrin-file-manager"},  // relative: no
+        {etc1, "DisplayVersion", "2020"},  // the user's record first
+        {pathToUtf8(tree.path("none")), "InstallLocation", std::nullopt},
+    };
+    for (const auto& c : cases) {
+        test::ScopedEnv dirs("XDG_CONFIG_DIRS", c.dirs);
+        const auto v =
+            makePlatformSystem()->regQuery(RegistryRoot::LocalMachine, kUninstallKey, c.name);
+        EXPECT_EQ(v ? std::optional(registryValueText(*v)) : std::nullopt, c.value)
+            << c.dirs << " " << c.name;
+    }
+
+    test::ScopedEnv dirs("XDG_CONFIG_DIRS", etc1);
+    const std::string machine = tree.read("etc1/tavrin-file-manager/registry.ini");
+    makePlatformSystem()->regSet(RegistryRoot::LocalMachine, kUninstallKey, "DisplayVersion",
+                                 std::string("2022"));
+    EXPECT_EQ(tree.read("etc1/tavrin-file-manager/registry.ini"), machine);
+    EXPECT_EQ(tree.read("user/Tavrin File Manager/registry.ini"),
+              section + "DisplayVersion=2022\n");
 }
 
 // The scripted boxes are checked when the test ends: one that never appeared fails it.

@@ -138,14 +138,33 @@ TEST(Startup, DifferentInstalledVersionIsUpdated) {
     }
 }
 
-TEST(Startup, UnwritableTraceFolderIsReportedAndTheProgramRuns) {
-    TestContext t;
-    install(*t.fake, t.tree.path("prog/missing/deeper"), programVersionText());
-    t.fake->commandLineText = "+DEBUG";
-    t.ui.expect("TRACE FILE");
-    Context ctx = t.ctx();
-    EXPECT_EQ(FormLoad(ctx), StartupOutcome::Running);
-    EXPECT_FALSE(t.trace.debug);
+// An installed program folder is read-only to users: the trace goes to their state
+// folder instead, and only when that fails too is the trace given up, with a box.
+TEST(Startup, UnwritableProgramFolderSendsTheTraceToTheStateFolder) {
+    const struct {
+        const char* state;  // "" = the platform has no state folder
+        bool traced;
+    } cases[] = {
+        {"state/tavrin-file-manager", true},
+        {"blocker/tavrin-file-manager", false},  // a file stands where the folder would be
+        {"", false},
+    };
+    for (const auto& c : cases) {
+        TestContext t;
+        install(*t.fake, t.tree.path("prog/missing/deeper"), programVersionText());
+        t.tree.write("blocker", "a file");
+        if (*c.state) t.fake->state = t.tree.path(c.state);
+        t.fake->commandLineText = "+DEBUG";
+        t.ui.lenient = true;  // a traced run's settings write closes the log (error 52)
+        Context ctx = t.ctx();
+        EXPECT_EQ(FormLoad(ctx), StartupOutcome::Running) << c.state;
+        EXPECT_EQ(t.trace.debug, c.traced) << c.state;
+        EXPECT_EQ(!t.ui.shown.empty() && t.ui.shown[0].title == "TRACE FILE", !c.traced) << c.state;
+        if (c.traced) {
+            const std::string log = t.tree.read(std::string(c.state) + "/TVK_ErrorLog.txt");
+            EXPECT_NE(log.find("- |frmMain.Form_Load - ENTER\r\n"), std::string::npos) << log;
+        }
+    }
 }
 
 TEST(Startup, LibraryRootThatCannotBeMadeIsReported) {

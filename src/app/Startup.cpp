@@ -30,11 +30,25 @@ void makeFolder(Context& ctx, Routine& r, const std::filesystem::path& folder) {
     });
 }
 
+// Opens the trace in the program folder or, where that cannot be written (a package's
+// folder under /usr), in the user's state folder, so a traced start never loses its log.
 void openTrace(Context& ctx) {
     const auto file = ctx.paths.traceFile();
     try {
         ctx.trace.open(file);
+        return;
     } catch (const RuntimeError& e) {
+        const auto state = ctx.system.stateFolder();
+        if (!state.empty()) {
+            std::error_code ec;
+            std::filesystem::create_directories(state, ec);
+            try {
+                ctx.trace.open(state / file.filename());
+                return;
+            } catch (const RuntimeError&) {
+                // reported below with the program folder's own failure
+            }
+        }
         // Without its log the program still works; say where the log could not go.
         ctx.trace.debug = false;
         ctx.ui.message(Message{"TRACE FILE",

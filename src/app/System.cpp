@@ -17,4 +17,8 @@ void System::setCurrentDirectory(const std::filesystem::path& dir) {
     throwIfError(ec, pathToUtf8(dir));
 }
 
+std::filesystem::path System::stateFolder() {
+    return {};
+}
+
 }  // namespace tvk

@@ -55,6 +55,9 @@ class System {
     virtual void setCurrentDirectory(const std::filesystem::path& dir);
     // The user's Documents folder, where the library lives.
     virtual std::filesystem::path documentsFolder() = 0;
+    // Where the trace goes when the program folder cannot be written (an installed
+    // program folder under /usr); empty where the program folder is the only place.
+    virtual std::filesystem::path stateFolder();
 };
 
 // The real system of the platform the program was built for.

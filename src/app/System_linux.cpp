@@ -1,6 +1,6 @@
-// Linux: the installation record lives in a registry file under the user's config
-// folder, the recycle bin is the freedesktop trash, and a desktop user needs no
-// elevation.
+// Linux: the installation record lives in registry files, the user's own over the
+// machine-wide ones under $XDG_CONFIG_DIRS; the recycle bin is the freedesktop trash,
+// and a desktop user needs no elevation.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -14,6 +14,7 @@
 #include <cstring>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 #include "app/FileIO.h"
 #include "app/RegistryFile.h"
@@ -36,6 +37,29 @@ std::filesystem::path configHome() {
 
 std::filesystem::path productConfigFolder() {
     return configHome() / "Tavrin File Manager";
+}
+
+constexpr const char* kRegistryFileName = "registry.ini";
+
+// The machine-wide record, as the local-machine hive is: the package puts it under
+// /etc/xdg, in a folder without spaces because dpkg's list of configuration files
+// cannot hold them. Relative entries are ignored, as the base-directory rules say.
+std::vector<std::filesystem::path> machineRegistryFiles() {
+    const char* dirs = std::getenv("XDG_CONFIG_DIRS");
+    const std::string list = dirs && *dirs ? dirs : "/etc/xdg";
+    std::vector<std::filesystem::path> files;
+    std::istringstream in(list);
+    std::string dir;
+    while (std::getline(in, dir, ':'))
+        if (!dir.empty() && dir.front() == '/')
+            files.push_back(pathFromUtf8(dir) / "tavrin-file-manager" / kRegistryFileName);
+    return files;
+}
+
+std::filesystem::path stateHome() {
+    if (const char* x = std::getenv("XDG_STATE_HOME"); x && *x) return pathFromUtf8(x);
+    const char* home = std::getenv("HOME");
+    return pathFromUtf8(home ? home : "/") / ".local" / "state";
 }
 
 pid_t spawnShell(const std::string& commandLine) {
@@ -95,9 +119,14 @@ class LinuxSystem : public System {
 
     bool isAdministrator() override { return true; }
 
+    // Value by value: a user's newer DisplayVersion does not hide the machine's
+    // InstallLocation.
     std::optional<RegistryValue> regQuery(RegistryRoot root, const std::string& key,
                                           const std::string& name) override {
-        return registry().query(root, key, name);
+        if (auto v = registry().query(root, key, name)) return v;
+        for (const auto& file : machineRegistryFiles())
+            if (auto v = RegistryFile(file).query(root, key, name)) return v;
+        return std::nullopt;
     }
 
     void regSet(RegistryRoot root, const std::string& key, const std::string& name,
@@ -161,8 +190,11 @@ class LinuxSystem : public System {
         return home / "Documents";
     }
 
+    std::filesystem::path stateFolder() override { return stateHome() / "tavrin-file-manager"; }
+
   private:
-    RegistryFile registry() { return RegistryFile(productConfigFolder() / "registry.ini"); }
+    // Writes go to the user's record only: the machine's is the package's.
+    RegistryFile registry() { return RegistryFile(productConfigFolder() / kRegistryFileName); }
 
     std::string commandLine_;
     int lockFd_ = -1;

@@ -27,8 +27,7 @@ int runStartup(std::vector<std::string>& args, ConsoleInteraction& ui) {
     ui.out() << "Program folder: " << pathToUtf8(session.paths.programFolder) << "\n"
              << "Library root: " << pathToUtf8(session.paths.libraryRoot) << "\n"
              << "Settings file: " << pathToUtf8(session.paths.settingsFile()) << "\n";
-    if (session.trace.debug)
-        ui.out() << "Trace file: " << pathToUtf8(session.paths.traceFile()) << "\n";
+    if (session.trace.debug) ui.out() << "Trace file: " << pathToUtf8(session.trace.file()) << "\n";
     return 0;
 }
 

@@ -18,6 +18,7 @@ class FakeSystem : public System {
     std::map<std::tuple<RegistryRoot, std::string, std::string>, RegistryValue> registry;
     std::filesystem::path documents;
     std::filesystem::path current = ".";
+    std::filesystem::path state;  // empty: no place for the trace but the program folder
     std::vector<std::filesystem::path> recycled;
     std::vector<std::filesystem::path> started;
     std::vector<std::filesystem::path> opened;
@@ -61,6 +62,7 @@ class FakeSystem : public System {
     std::filesystem::path currentDirectory() override { return current; }
     void setCurrentDirectory(const std::filesystem::path& dir) override { current = dir; }
     std::filesystem::path documentsFolder() override { return documents; }
+    std::filesystem::path stateFolder() override { return state; }
 };
 
 }  // namespace tvk::test

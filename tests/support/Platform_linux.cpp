@@ -52,7 +52,11 @@ ProgramRun runProgram(const std::filesystem::path& program, const std::vector<st
     argp.push_back(nullptr);
     std::string homeVar = options.home ? "HOME=" + pathToUtf8(*options.home) : std::string();
     std::string pathVar = "PATH=/usr/bin:/bin";
-    char* cleanEnv[] = {pathVar.data(), homeVar.data(), nullptr};
+    // The machine's own folders stay out too: an installed package's machine-wide
+    // record under /etc/xdg would otherwise stand in for the test's.
+    std::string configDirsVar =
+        options.home ? "XDG_CONFIG_DIRS=" + pathToUtf8(*options.home / ".xdg") : std::string();
+    char* cleanEnv[] = {pathVar.data(), homeVar.data(), configDirsVar.data(), nullptr};
 
     int in[2], out[2];
     if (pipe(in) != 0 || pipe(out) != 0) return {};
