@@ -164,34 +164,190 @@ TEST_F(TransferTest, UpdateGivesNumberedNamesRemovesWhatIsGoneAndKeepsSubfolders
     }
 }
 
-TEST_F(TransferTest, AFailedUpdateLeavesTheComputersCopyAsItWas) {
+std::vector<std::string> hiddenNames(const fs::path& folder) {
+    std::vector<std::string> found;
+    for (const auto& name : test::listNames(folder))
+        if (name.front() == '.') found.push_back(name);
+    return found;
+}
+
+// The update brings the mirror folder up to date in place: what the stick has arrives or
+// stays, and only after every copy succeeded does the rest go to the recycle bin.
+TEST_F(TransferTest, UpdateMirrorsInPlaceAndRecyclesOnlyAfterEveryCopy) {
     traced();
-    const Files before = {{"Old_#05.LPG", su("Old")}, {"Mine/keep.txt", "kept"}};
-    for (const Answer answer : {Answer::Ignore, Answer::Abort, Answer::No}) {
-        SCOPED_TRACE(answerName(answer));
+    auto& system = static_cast<test::FakeSystem&>(*session.system);
+    const std::string piano = su("Piano"), organ = su("Organ");
+    struct Case {
+        const char* what;
+        Files mirror, stick;
+        Answer onVanish;  // the handler's answer when the second stick file vanishes; Ok: none
+        Files after;
+        std::string counts;  // copied/unchanged/removed/failed
+        std::string recycled;
+    };
+    const Case cases[] = {
+        {"a stick that lists fewer files",
+         {{"Piano_#01.LPG", piano}, {"Organ_#02.LPG", organ}, {"notes.txt", "mine"}},
+         {{"SUPSET01.LPG", piano}},
+         Answer::Ok,
+         {{"Piano_#01.LPG", piano}},
+         "0/1/2/0",
+         "Organ_#02.LPG|notes.txt"},
+        {"a changed file takes its own name, not the next number",
+         {{"Piano_#01.LPG", piano}},
+         {{"SUPSET01.LPG", piano + "x"}, {"SUPSET02.LPG", organ}},
+         Answer::Ok,
+         {{"Piano_#01.LPG", piano + "x"}, {"Organ_#02.LPG", organ}},
+         "2/0/0/0",
+         ""},
+        {"a file that cannot be read keeps every old file",
+         {{"Piano_#01.LPG", piano}, {"Old_#05.LPG", su("Old")}},
+         {{"SUPSET01.LPG", piano + "x"}, {"SUPSET02.LPG", organ}},
+         Answer::Ignore,
+         {{"Piano_#01.LPG", piano + "x"}, {"Old_#05.LPG", su("Old")}},
+         "1/0/0/1",
+         ""},
+        {"Abort as well",
+         {{"Piano_#01.LPG", piano}, {"Old_#05.LPG", su("Old")}},
+         {{"SUPSET01.LPG", piano}, {"SUPSET02.LPG", organ}},
+         Answer::Abort,
+         {{"Piano_#01.LPG", piano}, {"Old_#05.LPG", su("Old")}},
+         "0/1/0/1",
+         ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
         const auto mirror = mirrorFolder(ctx);
         fs::remove_all(mirror);
-        put(mirror, before);
-        put(stick, {{"SUPSET01.LPG", su("Piano")}, {"SUPSET02.LPG", su("Organ")}});
-        ui.expect("UPDATE COMPUTER", answer == Answer::No ? Answer::No : Answer::Yes);
-        if (answer != Answer::No) {
-            // The second file vanishes before its copy, as on a stick pulled part way.
+        fs::remove_all(stick);
+        system.recycled.clear();
+        put(mirror, c.mirror);
+        put(mirror, {{"Mine/keep.txt", "kept"}});
+        test::writeFile(temporaryNameFor(mirror / "Gone.LPG"), "left by a run cut short");
+        put(stick, c.stick);
+        ui.expect("UPDATE COMPUTER", Answer::Yes);
+        if (c.onVanish != Answer::Ok) {
             ui.onEvents = [&] { fs::remove(stick / "SUPSET02.LPG"); };
-            ui.expect("TVK: RUNTIME ERROR", answer).expect("UPDATE COMPUTER");
+            ui.expect("TVK: RUNTIME ERROR", c.onVanish).expect("UPDATE COMPUTER");
         }
         const auto report = btnUSB_Docs_Click(ctx, 0);
         ui.onEvents = nullptr;
         EXPECT_TRUE(ui.done());
-        EXPECT_FALSE(report.completed);
-        EXPECT_EQ(contents(mirror), before);
-        EXPECT_EQ(names(contents(tree.path("lib"))).size(), before.size());
-        if (answer != Answer::No) {
+        EXPECT_EQ(report.completed, c.onVanish == Answer::Ok);
+        Files after = c.after;
+        after["Mine/keep.txt"] = "kept";
+        EXPECT_EQ(contents(mirror), after);
+        EXPECT_EQ(std::to_string(report.copied.size()) + "/" +
+                      std::to_string(report.unchanged.size()) + "/" +
+                      std::to_string(report.removed.size()) + "/" +
+                      std::to_string(report.failures.size()),
+                  c.counts);
+        std::vector<std::string> recycled;
+        for (const auto& file : system.recycled) recycled.push_back(pathToUtf8(file.filename()));
+        std::sort(recycled.begin(), recycled.end());
+        EXPECT_EQ(recycled, test::split(c.recycled));
+        // Our own leftover goes once the update is through; a failed one leaves it alone.
+        EXPECT_EQ(hiddenNames(mirror).size(), c.onVanish == Answer::Ok ? 0u : 1u);
+        // Every stick file shows its "Copying" text, the unchanged ones too.
+        const std::string copying =
+            "Copying SUPSET01.LPG - " + std::string(c.stick.size() == 1 ? "100%" : "50%");
+        EXPECT_NE(std::find(ui.progressTexts.begin(), ui.progressTexts.end(), copying),
+                  ui.progressTexts.end());
+        if (c.onVanish != Answer::Ok) {
             EXPECT_EQ(toDisplayLines(ui.shown.back().text),
                       "The update did not finish: 1 files could not be copied (first "
-                      "\"SUPSET02.LPG\", error 53).\n\nThe computer's copy in \"" +
-                          pathToUtf8(mirror) + "\" was not changed.")
-                << answerName(answer);
+                      "\"SUPSET02.LPG\", error 53).\n\nNo file was removed from the computer's "
+                      "copy in \"" +
+                          pathToUtf8(mirror) + "\"; the files not copied are as they were.");
         }
+        ui.shown.clear();
+        ui.progressTexts.clear();
+    }
+}
+
+// While a stick carries the note of an unfinished restore, an update would take from the
+// computer what is not yet back on the stick: it offers to finish the restore instead.
+TEST_F(TransferTest, UpdateAfterAnUnfinishedRestoreFinishesTheRestoreFirst) {
+    const auto mirror = mirrorFolder(ctx);
+    const Files library = {{"Piano_#01.LPG", su("Piano")}, {"Organ_#02.LPG", su("Organ")}};
+    const Files half = {{"SUPSET01.LPG", su("Piano")}};
+    for (const Answer answer : {Answer::No, Answer::Yes}) {
+        SCOPED_TRACE(answerName(answer));
+        put(mirror, library);
+        fs::remove_all(stick);
+        put(stick, half);
+        test::writeFile(ctx.state.drive.root / ".tvk-restore", "ORGAN - 1A2B\r\n");
+        ui.expect("UPDATE COMPUTER", answer);
+        const auto report = btnUSB_Docs_Click(ctx, 0);
+        EXPECT_TRUE(ui.done());
+        EXPECT_EQ(toDisplayLines(ui.shown.at(0).text),
+                  "The last restore of this thumbdrive did not finish.\n\nUpdating now would "
+                  "remove from the computer the files still missing on the thumbdrive.\n\nFinish "
+                  "the restore now?");
+        EXPECT_EQ(ui.shown.at(0).defaultButton, 2);
+        EXPECT_EQ(contents(mirror), library);
+        const Files whole = {{"SUPSET01.LPG", su("Piano")}, {"SUPSET02.LPG", su("Organ")}};
+        EXPECT_EQ(contents(stick), answer == Answer::No ? half : whole);
+        EXPECT_EQ(fs::exists(ctx.state.drive.root / ".tvk-restore"), answer == Answer::No);
+        EXPECT_EQ(report.completed, answer == Answer::Yes);
+        ui.shown.clear();
+    }
+}
+
+// Restore reads every file and keeps every stick file the computer lacks before it
+// removes anything from the stick.
+TEST_F(TransferTest, RestoreChecksAndKeepsBeforeItRemoves) {
+    traced();
+    const auto mirror = mirrorFolder(ctx);
+    const auto bin = session.paths.recycleBin();
+    const Files library = {{"Piano_#01.LPG", su("Piano")}, {"Song.mp3", "mp3"}};
+    // A recording made on the organ since the last update, an old copy of a mirror file
+    // and a file the computer holds byte for byte.
+    const Files onStick = {{"SUSONG01.LMR", organ(Series::SU, FileKind::Recording, "New")},
+                           {"SUPSET01.LPG", su("Piano") + "old"},
+                           {"SUPSET09.LPG", su("Piano")}};
+    struct Case {
+        const char* what;
+        bool unreadable;
+        Files stickAfter, binAfter;
+    };
+    const Case cases[] = {
+        {"a mirror file that cannot be read", true, onStick, {{"old.txt", "in the bin"}}},
+        {"all readable",
+         false,
+         {{"SUPSET01.LPG", su("Piano")}, {"Song.mp3", "mp3"}},
+         {{"old.txt", "in the bin"},
+          {"SUSONG01.LMR", onStick.at("SUSONG01.LMR")},
+          {"SUPSET01.LPG", "an earlier one"},
+          {"SUPSET01 (1).LPG", onStick.at("SUPSET01.LPG")}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        fs::remove_all(mirror);
+        fs::remove_all(stick);
+        fs::remove_all(bin);
+        put(mirror, library);
+        put(stick, onStick);
+        put(bin, {{"old.txt", "in the bin"}});
+        if (!c.unreadable) put(bin, {{"SUPSET01.LPG", "an earlier one"}});
+        ui.expect("RESTORE THUMBDRIVE", Answer::Yes);
+        if (c.unreadable) {
+            ui.onBox = [&](const Message& box) {
+                if (box.title == "RESTORE THUMBDRIVE") fs::remove(mirror / "Song.mp3");
+            };
+            ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
+        }
+        const auto report = btnUSB_Docs_Click(ctx, 1);
+        ui.onBox = nullptr;
+        EXPECT_TRUE(ui.done());
+        EXPECT_EQ(report.completed, !c.unreadable);
+        if (c.unreadable) {
+            EXPECT_NE(ui.shown.back().text.find("Song.mp3"), std::string::npos);
+        }
+        EXPECT_EQ(contents(stick), c.stickAfter);
+        EXPECT_EQ(contents(bin), c.binAfter);
+        EXPECT_FALSE(fs::exists(ctx.state.drive.root / ".tvk-restore"));
+        ui.shown.clear();
     }
 }
 
