@@ -6,8 +6,10 @@
 #include <algorithm>
 
 #include "app/FileIO.h"
+#include "app/Paths.h"
 #include "app/Text.h"
 #include "drive/ScanForUSBs.h"
+#include "drive/VolumeProbe.h"
 #include "drive/Volumes.h"
 #include "library/CopyNames.h"
 #include "library/TransferCommands.h"
@@ -477,64 +479,149 @@ TEST_F(StickTest, EachStickOfALabelHasItsOwnMirrorFolder) {
     }
 }
 
-TEST_F(StickTest, APulledStickLosesNothing) {
+// Files by name and a digest of their bytes: failures stay readable.
+std::map<std::string, std::size_t> digests(const Files& files) {
+    std::map<std::string, std::size_t> out;
+    for (const auto& [name, bytes] : files) out[name] = std::hash<std::string>{}(bytes);
+    return out;
+}
+
+// Update and restore on FAT images, with the faults a user meets: a pulled stick, an
+// empty or fresh stick, a write-protected one. Both sides are compared afterwards.
+TEST_F(StickTest, UpdateAndRestoreOnImagesLoseNothing) {
     TVK_REQUIRE_FUSE();
     const auto mirror = library / "ORGAN - 1234ABCD";
     const Files inMirror = {{"Piano_#01.LPG", organFiles().at("SUPSET01.LPG")},
                             {"Rock_#01.SMR", organFiles().at("SUSONG01.LMR")},
-                            {"SONG.MP3", organFiles().at("SONG.MP3")}};
+                            {"SONG.MP3", organFiles().at("SONG.MP3")},
+                            {"Old_#05.LPG", organ(Series::SU, FileKind::Preset, "Old")}};
+    const Files restored = {{"SUPSET01.LPG", inMirror.at("Piano_#01.LPG")},
+                            {"SUSONG01.LMR", inMirror.at("Rock_#01.SMR")},
+                            {"SONG.MP3", inMirror.at("SONG.MP3")},
+                            {"SUPSET05.LPG", inMirror.at("Old_#05.LPG")}};
+    enum class Fault { None, Pull, WriteProtect };
     struct Case {
+        const char* what;
+        const char* kind;
+        int sizeMiB;
         int button;
+        Files onStick;
+        Fault fault;
         std::vector<std::pair<std::string, Answer>> boxes;
+        bool completed;
     };
-    const Case cases[] = {{2, {}},
-                          {0, {{"UPDATE COMPUTER", Answer::Yes}}},
-                          {1, {{"RESTORE THUMBDRIVE", Answer::Yes}}}};
+    const Case cases[] = {
+        {"restore onto an empty stick", "fat16", 32, 1, {}, Fault::None,
+         {{"RESTORE THUMBDRIVE", Answer::Yes}}, true},
+        {"restore onto a freshly formatted FAT32 stick", "fat32", 40, 1, {}, Fault::None,
+         {{"RESTORE THUMBDRIVE", Answer::Yes}}, true},
+        {"update with the stick pulled", "fat16", 32, 0, organFiles(), Fault::Pull,
+         {{"UPDATE COMPUTER", Answer::Yes}, {"TVK: RUNTIME ERROR", Answer::Abort},
+          {"THUMBDRIVE REMOVED", Answer::Ok}}, false},
+        {"restore with the stick pulled", "fat16", 32, 1, organFiles(), Fault::Pull,
+         {{"RESTORE THUMBDRIVE", Answer::Yes}, {"TVK: RUNTIME ERROR", Answer::Ignore},
+          {"THUMBDRIVE REMOVED", Answer::Ok}}, false},
+        {"restore onto a write-protected stick", "fat16", 32, 1, organFiles(),
+         Fault::WriteProtect, {{"THUMBDRIVE WRITE-PROTECTED", Answer::Ok}}, false},
+        {"update from a write-protected stick", "fat16", 32, 0, organFiles(),
+         Fault::WriteProtect, {{"UPDATE COMPUTER", Answer::Yes}}, true},
+    };
+    int n = 0;
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.button);
-        fs::remove_all(mirror);
-        fs::create_directories(mirror);
+        SCOPED_TRACE(c.what);
+        fs::remove_all(library);
         put(mirror, inMirror);
-        const Files libraryBefore = contents(library);
-        const auto image = stickImage("pulled" + std::to_string(c.button) + ".img", "1234ABCD");
+        const auto image = test::makeImage(tree, "stick" + std::to_string(++n) + ".img",
+                                           {c.kind, c.sizeMiB, "ORGAN", "1234ABCD"});
+        test::fillTavrin(tree, image, {});
+        if (!c.onStick.empty()) {
+            auto filler = plug(image);
+            filler->scan();
+            put(filler->tavrin(), c.onStick);
+        }
+        if (c.fault == Fault::WriteProtect) {
+            fs::permissions(image, fs::perms::owner_read | fs::perms::group_read |
+                                       fs::perms::others_read);
+        }
+        const std::string imageBefore = test::readFile(image);
+        Files stickBefore, stickAfter;
         {
             auto stick = plug(image);
             stick->scan();
-            put(stick->tavrin(), organFiles());
+            stickBefore = contents(stick->tavrin());
             Context ctx = stick->ctx();
             for (const auto& [title, answer] : c.boxes) stick->ui.expect(title, answer);
-            stick->ui.expect("TVK: RUNTIME ERROR", Answer::Abort);
             int events = 0;
-            stick->ui.onEvents = [&] {
-                if (++events == 3) test::pullImage(stick->session->state.drive.root);
-            };
-            stick->ui.lenient = true;  // the lists and counts of a pulled stick fail too
-            EXPECT_FALSE(btnUSB_Docs_Click(ctx, c.button).completed);
+            if (c.fault == Fault::Pull)
+                stick->ui.onEvents = [&] {
+                    if (++events == 3) test::pullImage(stick->session->state.drive.root);
+                };
+            stick->ui.lenient = c.fault == Fault::Pull;  // the lists of a pulled stick fail too
+            const auto report = btnUSB_Docs_Click(ctx, c.button);
             stick->ui.onEvents = nullptr;
-            if (c.button == 0) {
+            EXPECT_TRUE(stick->ui.done());
+            EXPECT_EQ(report.completed, c.completed);
+            if (c.fault == Fault::Pull) {
+                EXPECT_TRUE(report.stickRemoved);
                 const auto& shown = stick->ui.shown;
-                EXPECT_TRUE(std::any_of(shown.begin(), shown.end(), [](const Message& m) {
-                    return m.text.find("was not changed") != std::string::npos;
-                }));
+                const auto handler = std::find_if(shown.begin(), shown.end(), [](const Message& m) {
+                    return m.title == "TVK: RUNTIME ERROR";
+                });
+                ASSERT_NE(handler, shown.end());
+                EXPECT_EQ(handler->text.rfind("Encountered Err#71\r", 0), 0u) << handler->text;
+                EXPECT_EQ(std::count_if(shown.begin(), shown.end(),
+                                        [](const Message& m) {
+                                            return m.title == "TVK: RUNTIME ERROR";
+                                        }),
+                          1);
+                EXPECT_NE(shown.back().text.find(" files were done.\r\r"), std::string::npos);
+            } else {
+                stickAfter = contents(stick->tavrin());
             }
         }
-        // The library is as it was, for every command; add all left its new folder as it got.
-        if (c.button != 2) {
-            EXPECT_EQ(contents(library), libraryBefore);
+        const Files mirrorAfter = contents(mirror);
+        if (c.fault == Fault::WriteProtect) {
+            EXPECT_EQ(test::readFile(image), imageBefore) << "the image was written";
         }
-        for (const auto& [name, bytes] : libraryBefore) EXPECT_EQ(contents(library)[name], bytes);
-        if (c.button != 1) continue;
-        // Plugged in again: the scan offers to finish the restore.
+        if (c.button == 1 && c.fault == Fault::None) {
+            EXPECT_EQ(digests(stickAfter), digests(restored));
+        }
+        if (c.button == 1) {
+            EXPECT_EQ(digests(mirrorAfter), digests(inMirror));
+        }
+        if (c.button == 0 && c.fault == Fault::WriteProtect) {
+            EXPECT_EQ(stickAfter, stickBefore);
+            EXPECT_EQ(mirrorAfter.size(), organFiles().size());
+        }
+        if (c.button == 0 && c.fault == Fault::Pull) {
+            // Nothing removed; each file as it was or as the stick has it.
+            for (const auto& [name, bytes] : inMirror) EXPECT_TRUE(mirrorAfter.count(name)) << name;
+            for (const auto& [name, bytes] : mirrorAfter) {
+                const bool fromStick = std::any_of(
+                    organFiles().begin(), organFiles().end(),
+                    [&](const auto& onStick) { return onStick.second == bytes; });
+                EXPECT_TRUE(fromStick || (inMirror.count(name) && inMirror.at(name) == bytes))
+                    << name;
+            }
+        }
+        for (const auto& name : test::listNames(mirror))
+            EXPECT_FALSE(isTemporaryName(name)) << name;
+        if (c.button != 1 || c.fault != Fault::Pull) continue;
+        // Every stick file the computer lacked is in the program's bin; plugged in again,
+        // the scan offers to finish the restore and it does.
+        const Files bin = contents(library / pathFromUtf8(kFolderRecycleBin));
+        for (const auto& [name, bytes] : stickBefore) {
+            const bool held = std::any_of(inMirror.begin(), inMirror.end(),
+                                          [&](const auto& kept) { return kept.second == bytes; });
+            EXPECT_EQ(bin.count(name), held ? 0u : 1u) << name;
+        }
         auto again = plug(image);
         again->ui.expect("RESTORE THUMBDRIVE", Answer::Yes);
         again->scan();
         EXPECT_TRUE(again->ui.done());
-        EXPECT_NE(again->ui.shown.at(0).text.find("did not finish"), std::string::npos);
-        EXPECT_EQ(contents(again->tavrin()), (Files{{"SUPSET01.LPG", inMirror.at("Piano_#01.LPG")},
-                                                    {"SUSONG01.LMR", inMirror.at("Rock_#01.SMR")},
-                                                    {"SONG.MP3", inMirror.at("SONG.MP3")}}));
+        EXPECT_EQ(digests(contents(again->tavrin())), digests(restored));
         EXPECT_FALSE(fs::exists(again->session->state.drive.root / ".tvk-restore"));
-        EXPECT_EQ(contents(library), libraryBefore);
+        EXPECT_EQ(digests(contents(mirror)), digests(inMirror));
     }
 }
 
@@ -568,8 +655,10 @@ TEST_F(StickTest, RefusalsAndFullDisksChangeNothing) {
         EXPECT_EQ(contents(stick->tavrin()), onStick);
     }
     stick.reset();
-    // An update that fills the computer's disk leaves the old copy.
-    const auto disk = test::makeImage(tree, "disk.img", {"fat12", 1, "LIBDISK", ""});
+    // The computer's disk nearly full: an update that needs more than is free stops
+    // without a leftover and with its space back; one that needs only its changed file
+    // goes through, though the copy as a whole would never fit twice.
+    const auto disk = test::makeImage(tree, "disk.img", {"fat12", 2, "LIBDISK", ""});
     const auto diskRoot = tree.mkdir("disk");
     ASSERT_EQ(test::runCommand("fusefat -o rw+ '" + pathToUtf8(disk) + "' '" +
                                pathToUtf8(diskRoot) + "'"),
@@ -578,22 +667,50 @@ TEST_F(StickTest, RefusalsAndFullDisksChangeNothing) {
         fs::path root;
         ~Unmount() { test::runCommand("fusermount -u '" + pathToUtf8(root) + "'"); }
     } unmount{diskRoot};
+    const auto freeBytes = [&] {
+        FileReader in(disk);
+        const auto fat = countFatFreeSpace(
+            [&](std::uint64_t at, std::size_t size) { return in.readAt(at, size); });
+        return fat->freeClusters * fat->clusterBytes;
+    };
     library = diskRoot / "Tavrin File Manager";
-    const auto smallMirror = library / "ORGAN - 1234ABCD";
-    fs::create_directories(smallMirror);
-    put(smallMirror, {{"Old_#01.LPG", "old"}});
-    const Files before = contents(library);
-    stick = plug(stickImage("big.img", "1234ABCD"));
-    stick->scan();
-    put(stick->tavrin(),
-        {{"A.MP3", std::string(600000, 'a')}, {"B.MP3", std::string(600000, 'b')}});
-    Context bigCtx = stick->ctx();
-    stick->ui.expect("UPDATE COMPUTER", Answer::Yes)
-        .expect("TVK: RUNTIME ERROR", Answer::Abort)
-        .expect("UPDATE COMPUTER");
-    EXPECT_FALSE(btnUSB_Docs_Click(bigCtx, 0).completed);
-    EXPECT_TRUE(stick->ui.done());
-    EXPECT_EQ(contents(library), before);
+    const auto diskMirror = library / "ORGAN - 1234ABCD";
+    const std::string big(1200000, 'a');
+    struct Full {
+        const char* what;
+        Files onStick;
+        std::vector<std::pair<std::string, Answer>> boxes;
+        Files after;
+    };
+    const Full full[] = {
+        {"the new file does not fit",
+         {{"A.MP3", big}, {"B.MP3", std::string(900000, 'b')}},
+         {{"UPDATE COMPUTER", Answer::Yes}, {"TVK: RUNTIME ERROR", Answer::Abort},
+          {"UPDATE COMPUTER", Answer::Ok}},
+         {{"A.MP3", big}, {"Old_#01.LPG", "old"}}},
+        {"only a small file changed",
+         {{"A.MP3", big}, {"B.TXT", "new"}},
+         {{"UPDATE COMPUTER", Answer::Yes}},
+         {{"A.MP3", big}, {"B.TXT", "new"}}},
+    };
+    for (const auto& c : full) {
+        SCOPED_TRACE(c.what);
+        fs::remove_all(library);
+        put(diskMirror, {{"A.MP3", big}, {"Old_#01.LPG", "old"}});
+        const auto freeBefore = freeBytes();
+        auto source = plug(stickImage(std::string(c.what) + ".img", "1234ABCD"));
+        source->scan();
+        put(source->tavrin(), c.onStick);
+        Context sourceCtx = source->ctx();
+        for (const auto& [title, answer] : c.boxes) source->ui.expect(title, answer);
+        btnUSB_Docs_Click(sourceCtx, 0);
+        EXPECT_TRUE(source->ui.done());
+        EXPECT_EQ(digests(contents(diskMirror)), digests(c.after));
+        EXPECT_EQ(test::listNames(diskMirror).size(), c.after.size()) << "a leftover";
+        if (c.boxes.size() > 1) {
+            EXPECT_EQ(freeBytes(), freeBefore) << "the partial copy's space is back";
+        }
+    }
 }
 
 TEST_F(StickTest, AutoBackupAddsOnlyWhatIsNewOrChanged) {

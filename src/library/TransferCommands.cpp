@@ -274,7 +274,7 @@ std::string copyingText(const std::string& verb, const std::string& name, std::s
 void afterTransfer(Context& ctx) {
     ctx.ui.hideProgress();
     MainState& s = ctx.state;
-    if (s.drive.present) {
+    if (s.drive.present && !stickGone(ctx)) {  // a pulled stick is the next scan's
         std::error_code ec;
         const bool mirror = std::filesystem::is_directory(mirrorFolder(ctx), ec);
         s.enabled[controlName("btnUSB_Docs", 0)] = mirror;
