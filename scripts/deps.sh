@@ -13,6 +13,7 @@ packages=(
     libglib2.0-bin
     lame ffmpeg gstreamer1.0-plugins-good
     xvfb xauth xdg-utils
+    rsync
 )
 
 missing=()
