@@ -124,9 +124,9 @@ TEST_F(TvkOnStick, DryRunsListWhatWouldBeDoneAndChangeNothing) {
     const auto onStick = [&] {
         test::Files files;
         for (const auto& name : test::imageNames(image, "TAVRIN")) {
-            test::runCommand("MTOOLS_SKIP_CHECK=1 mtype -i '" + pathToUtf8(image) + "' ::TAVRIN/" +
-                                 name,
-                             &files[name]);
+            test::runCommand(
+                "MTOOLS_SKIP_CHECK=1 mtype -i '" + pathToUtf8(image) + "' ::TAVRIN/" + name,
+                &files[name]);
         }
         return files;
     };

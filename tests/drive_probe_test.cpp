@@ -72,23 +72,21 @@ TEST(DriveProbe, FatImagesGiveTypeLabelAndSerialAsWindowsReadsThem) {
 TEST(DriveProbe, FreeClustersAreCountedInTheFatAsMtoolsCountsThem) {
     TVK_LINUX_ONLY("volume images are made with mkfs");
     TempTree tree;
-    for (const ImageRecipe& recipe : {ImageRecipe{"fat12", 2, "A", ""},
-                                      ImageRecipe{"fat16", 32, "B", ""},
-                                      ImageRecipe{"fat32", 40, "C", ""}}) {
+    for (const ImageRecipe& recipe :
+         {ImageRecipe{"fat12", 2, "A", ""}, ImageRecipe{"fat16", 32, "B", ""},
+          ImageRecipe{"fat32", 40, "C", ""}}) {
         SCOPED_TRACE(recipe.kind);
         const auto image = test::makeImage(tree, recipe.kind + ".img", recipe);
         // Files of odd sizes, one spanning clusters, one removed again (its clusters free).
-        for (const auto& [name, size] : {std::pair<const char*, int>{"A.BIN", 1},
-                                          {"B.BIN", 70000},
-                                          {"C.BIN", 513}}) {
+        for (const auto& [name, size] :
+             {std::pair<const char*, int>{"A.BIN", 1}, {"B.BIN", 70000}, {"C.BIN", 513}}) {
             test::writeFile(tree.path(name), std::string(size, 'x'));
             ASSERT_EQ(test::runCommand("MTOOLS_SKIP_CHECK=1 mcopy -i '" + pathToUtf8(image) +
                                        "' '" + pathToUtf8(tree.path(name)) + "' ::" + name),
                       0);
         }
-        ASSERT_EQ(test::runCommand("MTOOLS_SKIP_CHECK=1 mdel -i '" + pathToUtf8(image) +
-                                   "' ::B.BIN"),
-                  0);
+        ASSERT_EQ(
+            test::runCommand("MTOOLS_SKIP_CHECK=1 mdel -i '" + pathToUtf8(image) + "' ::B.BIN"), 0);
         std::string listing;
         test::runCommand("MTOOLS_SKIP_CHECK=1 mdir -i '" + pathToUtf8(image) + "' ::", &listing);
         const auto freeAt = listing.find(" bytes free");

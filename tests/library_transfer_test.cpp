@@ -511,20 +511,58 @@ TEST_F(StickTest, UpdateAndRestoreOnImagesLoseNothing) {
         bool completed;
     };
     const Case cases[] = {
-        {"restore onto an empty stick", "fat16", 32, 1, {}, Fault::None,
-         {{"RESTORE THUMBDRIVE", Answer::Yes}}, true},
-        {"restore onto a freshly formatted FAT32 stick", "fat32", 40, 1, {}, Fault::None,
-         {{"RESTORE THUMBDRIVE", Answer::Yes}}, true},
-        {"update with the stick pulled", "fat16", 32, 0, organFiles(), Fault::Pull,
-         {{"UPDATE COMPUTER", Answer::Yes}, {"TVK: RUNTIME ERROR", Answer::Abort},
-          {"THUMBDRIVE REMOVED", Answer::Ok}}, false},
-        {"restore with the stick pulled", "fat16", 32, 1, organFiles(), Fault::Pull,
-         {{"RESTORE THUMBDRIVE", Answer::Yes}, {"TVK: RUNTIME ERROR", Answer::Ignore},
-          {"THUMBDRIVE REMOVED", Answer::Ok}}, false},
-        {"restore onto a write-protected stick", "fat16", 32, 1, organFiles(),
-         Fault::WriteProtect, {{"THUMBDRIVE WRITE-PROTECTED", Answer::Ok}}, false},
-        {"update from a write-protected stick", "fat16", 32, 0, organFiles(),
-         Fault::WriteProtect, {{"UPDATE COMPUTER", Answer::Yes}}, true},
+        {"restore onto an empty stick",
+         "fat16",
+         32,
+         1,
+         {},
+         Fault::None,
+         {{"RESTORE THUMBDRIVE", Answer::Yes}},
+         true},
+        {"restore onto a freshly formatted FAT32 stick",
+         "fat32",
+         40,
+         1,
+         {},
+         Fault::None,
+         {{"RESTORE THUMBDRIVE", Answer::Yes}},
+         true},
+        {"update with the stick pulled",
+         "fat16",
+         32,
+         0,
+         organFiles(),
+         Fault::Pull,
+         {{"UPDATE COMPUTER", Answer::Yes},
+          {"TVK: RUNTIME ERROR", Answer::Abort},
+          {"THUMBDRIVE REMOVED", Answer::Ok}},
+         false},
+        {"restore with the stick pulled",
+         "fat16",
+         32,
+         1,
+         organFiles(),
+         Fault::Pull,
+         {{"RESTORE THUMBDRIVE", Answer::Yes},
+          {"TVK: RUNTIME ERROR", Answer::Ignore},
+          {"THUMBDRIVE REMOVED", Answer::Ok}},
+         false},
+        {"restore onto a write-protected stick",
+         "fat16",
+         32,
+         1,
+         organFiles(),
+         Fault::WriteProtect,
+         {{"THUMBDRIVE WRITE-PROTECTED", Answer::Ok}},
+         false},
+        {"update from a write-protected stick",
+         "fat16",
+         32,
+         0,
+         organFiles(),
+         Fault::WriteProtect,
+         {{"UPDATE COMPUTER", Answer::Yes}},
+         true},
     };
     int n = 0;
     for (const auto& c : cases) {
@@ -540,8 +578,8 @@ TEST_F(StickTest, UpdateAndRestoreOnImagesLoseNothing) {
             put(filler->tavrin(), c.onStick);
         }
         if (c.fault == Fault::WriteProtect) {
-            fs::permissions(image, fs::perms::owner_read | fs::perms::group_read |
-                                       fs::perms::others_read);
+            fs::permissions(image,
+                            fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
         }
         const std::string imageBefore = test::readFile(image);
         Files stickBefore, stickAfter;
@@ -569,11 +607,10 @@ TEST_F(StickTest, UpdateAndRestoreOnImagesLoseNothing) {
                 });
                 ASSERT_NE(handler, shown.end());
                 EXPECT_EQ(handler->text.rfind("Encountered Err#71\r", 0), 0u) << handler->text;
-                EXPECT_EQ(std::count_if(shown.begin(), shown.end(),
-                                        [](const Message& m) {
-                                            return m.title == "TVK: RUNTIME ERROR";
-                                        }),
-                          1);
+                EXPECT_EQ(
+                    std::count_if(shown.begin(), shown.end(),
+                                  [](const Message& m) { return m.title == "TVK: RUNTIME ERROR"; }),
+                    1);
                 EXPECT_NE(shown.back().text.find(" files were done.\r\r"), std::string::npos);
             } else {
                 stickAfter = contents(stick->tavrin());
@@ -597,9 +634,9 @@ TEST_F(StickTest, UpdateAndRestoreOnImagesLoseNothing) {
             // Nothing removed; each file as it was or as the stick has it.
             for (const auto& [name, bytes] : inMirror) EXPECT_TRUE(mirrorAfter.count(name)) << name;
             for (const auto& [name, bytes] : mirrorAfter) {
-                const bool fromStick = std::any_of(
-                    organFiles().begin(), organFiles().end(),
-                    [&](const auto& onStick) { return onStick.second == bytes; });
+                const bool fromStick =
+                    std::any_of(organFiles().begin(), organFiles().end(),
+                                [&](const auto& onStick) { return onStick.second == bytes; });
                 EXPECT_TRUE(fromStick || (inMirror.count(name) && inMirror.at(name) == bytes))
                     << name;
             }
@@ -685,7 +722,8 @@ TEST_F(StickTest, RefusalsAndFullDisksChangeNothing) {
     const Full full[] = {
         {"the new file does not fit",
          {{"A.MP3", big}, {"B.MP3", std::string(900000, 'b')}},
-         {{"UPDATE COMPUTER", Answer::Yes}, {"TVK: RUNTIME ERROR", Answer::Abort},
+         {{"UPDATE COMPUTER", Answer::Yes},
+          {"TVK: RUNTIME ERROR", Answer::Abort},
           {"UPDATE COMPUTER", Answer::Ok}},
          {{"A.MP3", big}, {"Old_#01.LPG", "old"}}},
         {"only a small file changed",

@@ -1,4 +1,5 @@
-// tvk update [--drive-image FILE] [--dry-run]: the transfer button "&Update FROM Thumbdrive" on the stick.
+// tvk update [--drive-image FILE] [--dry-run]: the transfer button "&Update FROM Thumbdrive" on the
+// stick.
 
 #include "cli/CliCommand.h"
 #include "cli/TransferCli.h"

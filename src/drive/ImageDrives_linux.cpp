@@ -202,9 +202,8 @@ std::string ImageDrives::mount(ImageDrive& d) {
     d.mounted = true;
     if (probe->fatBits != 0) {
         markMonthOneTooHigh(d.mountDir);
-        countSpaceWith(d.mountDir, [image = d.image, ro = d.readOnly] {
-            return imageFreeSpace(image, ro);
-        });
+        countSpaceWith(d.mountDir,
+                       [image = d.image, ro = d.readOnly] { return imageFreeSpace(image, ro); });
     }
     return {};
 }

@@ -50,16 +50,16 @@ struct TransferLine {
 };
 
 struct TransferReport {
-    std::vector<CopiedFile> copied;     // from the source name to the name it got
+    std::vector<CopiedFile> copied;      // from the source name to the name it got
     std::vector<std::string> unchanged;  // already there with the same bytes
-    std::vector<std::string> removed;   // files the command removed at the destination
-    std::vector<TransferLine> lines;    // every file, in order, removals last
-    std::vector<CopyFailure> failures;  // files the user went on without
-    std::vector<std::string> skipped;   // not copied on the user's word (Cancel)
-    int duplicates = 0;                 // taken names tried
-    bool declined = false;              // the user said No at the first question
-    bool completed = false;             // ran to its end and changed what it set out to
-    bool stickRemoved = false;          // the stick was pulled part way
+    std::vector<std::string> removed;    // files the command removed at the destination
+    std::vector<TransferLine> lines;     // every file, in order, removals last
+    std::vector<CopyFailure> failures;   // files the user went on without
+    std::vector<std::string> skipped;    // not copied on the user's word (Cancel)
+    int duplicates = 0;                  // taken names tried
+    bool declined = false;               // the user said No at the first question
+    bool completed = false;              // ran to its end and changed what it set out to
+    bool stickRemoved = false;           // the stick was pulled part way
 };
 
 // The attached stick's mirror folder in the library ("LABEL - SERIAL").

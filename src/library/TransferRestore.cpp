@@ -207,15 +207,15 @@ bool fits(Context& ctx, Routine& r, const std::filesystem::path& mirror,
 bool notHeld(Context& ctx, Routine& r, const std::filesystem::path& mirror,
              const std::vector<std::filesystem::path>& removed,
              std::vector<std::filesystem::path>& keep) {
-    return stickStep(r, "Compare " + pathToUtf8(ctx.state.drive.tavrinFolder()) + " with " +
-                            pathToUtf8(mirror),
-                     [&] {
-                         keep.clear();
-                         const auto sizes = filesBySize(mirror);
-                         for (const auto& file : removed)
-                             if (!isTemporaryName(fileNameUtf8(file)) && !heldIn(sizes, file))
-                                 keep.push_back(file);
-                     });
+    return stickStep(
+        r, "Compare " + pathToUtf8(ctx.state.drive.tavrinFolder()) + " with " + pathToUtf8(mirror),
+        [&] {
+            keep.clear();
+            const auto sizes = filesBySize(mirror);
+            for (const auto& file : removed)
+                if (!isTemporaryName(fileNameUtf8(file)) && !heldIn(sizes, file))
+                    keep.push_back(file);
+        });
 }
 
 bool keepInBin(Context& ctx, Routine& r, const std::vector<std::filesystem::path>& keep) {
@@ -237,10 +237,11 @@ void describe(const std::filesystem::path& mirror, const std::vector<Planned>& p
         std::string action = "copy";
         if (there != onStick.end()) {
             const auto ours = mirror / pathFromUtf8(p.from);
-            action = std::filesystem::file_size(there->second) == std::filesystem::file_size(ours) &&
-                             readWholeFile(there->second) == readWholeFile(ours)
-                         ? "unchanged"
-                         : "replace";
+            action =
+                std::filesystem::file_size(there->second) == std::filesystem::file_size(ours) &&
+                        readWholeFile(there->second) == readWholeFile(ours)
+                    ? "unchanged"
+                    : "replace";
             onStick.erase(there);
         }
         report.lines.push_back({action, p.from, p.to, {}});
@@ -250,7 +251,10 @@ void describe(const std::filesystem::path& mirror, const std::vector<Planned>& p
         if (isTemporaryName(name) || !onStick.count(utf8ToUpper(name))) continue;
         const bool kept = std::find(keep.begin(), keep.end(), file) != keep.end();
         report.lines.push_back(
-            {"remove", name, {}, kept ? "the program's Recycle Bin" : "held in the computer's copy"});
+            {"remove",
+             name,
+             {},
+             kept ? "the program's Recycle Bin" : "held in the computer's copy"});
     }
 }
 
@@ -316,8 +320,9 @@ void restoreThumbdrive(Context& ctx, Routine& r, TransferReport& report, bool co
 
         ctx.ui.setStatus(StatusPanel::Progress, "Preparing...");
         ctx.ui.processEvents();
-        if (!stickStep(r, "Write " + pathToUtf8(restoreNote(ctx)),
-                       [&] { writeFileReplacing(restoreNote(ctx), fileNameUtf8(mirror) + "\r\n"); }))
+        if (!stickStep(r, "Write " + pathToUtf8(restoreNote(ctx)), [&] {
+                writeFileReplacing(restoreNote(ctx), fileNameUtf8(mirror) + "\r\n");
+            }))
             return;
         for (const auto& file : removed) {
             if (stickStep(r, "Remove " + pathToUtf8(file), [&] { std::filesystem::remove(file); }))
@@ -360,11 +365,10 @@ void offerRestoreRecovery(Context& ctx) {
         const Answer answer = ctx.ui.message(
             Message{"RESTORE THUMBDRIVE", text, Buttons::YesNo, Icon::Exclamation, 1});
         if (answer == Answer::Yes) {
-            routine(ctx, "frmMain.btnUSB_Docs_Click #1",
-                    [&](Routine& restore) {
-                        TransferReport report;
-                        restoreThumbdrive(ctx, restore, report, true);
-                    });
+            routine(ctx, "frmMain.btnUSB_Docs_Click #1", [&](Routine& restore) {
+                TransferReport report;
+                restoreThumbdrive(ctx, restore, report, true);
+            });
             afterTransfer(ctx);
         } else {
             r.step("Remove " + pathToUtf8(note), [&] { std::filesystem::remove(note); });

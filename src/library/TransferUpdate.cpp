@@ -66,8 +66,7 @@ std::string updateName(Context& ctx, const FolderNames& folder, const std::strin
 // Brings one stick file into the mirror folder under the name the new set gives it.
 class MirrorCopier {
   public:
-    MirrorCopier(Context& ctx, Routine& r, TransferReport& report, FolderNames& names,
-                 bool write)
+    MirrorCopier(Context& ctx, Routine& r, TransferReport& report, FolderNames& names, bool write)
         : ctx_(ctx), r_(r), report_(report), names_(names), write_(write) {}
 
     void run(const std::filesystem::path& stick, const std::vector<std::string>& files) {
@@ -93,9 +92,8 @@ class MirrorCopier {
                     result = copyFileMirrored(
                         source, names_.folder(),
                         [&](std::string_view head) {
-                            std::string chosen = updateName(ctx_, names_, name,
-                                                            SourceFile{source, head},
-                                                            report_.duplicates);
+                            std::string chosen = updateName(
+                                ctx_, names_, name, SourceFile{source, head}, report_.duplicates);
                             r_.setTask("Copy " + quoted(source) + " to " +
                                        quoted(names_.folder() / pathFromUtf8(chosen)));
                             return chosen;
@@ -172,8 +170,9 @@ void reportUnfinished(Context& ctx, const std::filesystem::path& mirror,
                 report.failures.front().name + std::string(kQuote) + ", error " +
                 std::to_string(report.failures.front().errorNumber) + ")";
     ctx.ui.message(Message{"UPDATE COMPUTER",
-                           what + "." + kParagraph + "No file was removed from the computer's copy in " +
-                               quoted(mirror) + "; the files not copied are as they were.",
+                           what + "." + kParagraph +
+                               "No file was removed from the computer's copy in " + quoted(mirror) +
+                               "; the files not copied are as they were.",
                            Buttons::Ok, Icon::Exclamation, 1});
 }
 
@@ -223,8 +222,7 @@ void updateComputer(Context& ctx, Routine& r, TransferReport& report, bool dryRu
         if (!dryRun) reportUnfinished(ctx, mirror, report);
         return;
     }
-    if (std::filesystem::is_directory(mirror, ec))
-        removeLeftOver(ctx, r, names, report, !dryRun);
+    if (std::filesystem::is_directory(mirror, ec)) removeLeftOver(ctx, r, names, report, !dryRun);
     report.completed = true;
     return;
 }
