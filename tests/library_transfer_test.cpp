@@ -248,6 +248,12 @@ TEST_F(TransferTest, UpdateMirrorsInPlaceAndRecyclesOnlyAfterEveryCopy) {
         for (const auto& file : system.recycled) recycled.push_back(pathToUtf8(file.filename()));
         std::sort(recycled.begin(), recycled.end());
         EXPECT_EQ(recycled, test::split(c.recycled));
+        if (c.onVanish == Answer::Ok) {
+            EXPECT_EQ(ui.status[StatusPanel::Second],
+                      "Update: " + std::to_string(report.copied.size()) + " copied, " +
+                          std::to_string(report.unchanged.size()) + " unchanged, " +
+                          std::to_string(recycled.size()) + " to the recycle bin");
+        }
         // Our own leftover goes once the update is through; a failed one leaves it alone.
         EXPECT_EQ(hiddenNames(mirror).size(), c.onVanish == Answer::Ok ? 0u : 1u);
         // Every stick file shows its "Copying" text, the unchanged ones too.

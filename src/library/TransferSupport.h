@@ -91,6 +91,9 @@ void updateComputer(Context& ctx, Routine& r, TransferReport& report, bool dryRu
 void restoreThumbdrive(Context& ctx, Routine& r, TransferReport& report, bool confirmed,
                        bool dryRun = false);
 
+// "Update: 10 copied, 780 unchanged, 2 to the recycle bin", for status panel 2.
+std::string updateSummary(const TransferReport& report);
+
 // The note at the stick's root that says a restore is under way.
 std::filesystem::path restoreNote(const Context& ctx);
 bool restoreUnfinished(const Context& ctx);

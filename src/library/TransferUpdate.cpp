@@ -178,6 +178,12 @@ void reportUnfinished(Context& ctx, const std::filesystem::path& mirror,
 
 }  // namespace
 
+std::string updateSummary(const TransferReport& report) {
+    return "Update: " + std::to_string(report.copied.size()) + " copied, " +
+           std::to_string(report.unchanged.size()) + " unchanged, " +
+           std::to_string(report.removed.size()) + " to the recycle bin";
+}
+
 void updateComputer(Context& ctx, Routine& r, TransferReport& report, bool dryRun) {
     if (restoreUnfinished(ctx)) {
         if (finishRestoreFirst(ctx)) return restoreThumbdrive(ctx, r, report, true, dryRun);
