@@ -312,7 +312,8 @@ TransferReport btnUSB_Docs_Click(Context& ctx, int index, bool dryRun) {
         }
     });
     afterTransfer(ctx);
-    if (index == static_cast<int>(TransferButton::Update) && report.completed && !dryRun)
+    if (index == static_cast<int>(TransferButton::Update) && report.completed && !dryRun &&
+        !report.finishedRestore)
         ctx.ui.setStatus(StatusPanel::Second, updateSummary(report));
     return report;
 }

@@ -60,6 +60,7 @@ struct TransferReport {
     bool declined = false;               // the user said No at the first question
     bool completed = false;              // ran to its end and changed what it set out to
     bool stickRemoved = false;           // the stick was pulled part way
+    bool finishedRestore = false;        // an update that ran an unfinished restore instead
 };
 
 // The attached stick's mirror folder in the library ("LABEL - SERIAL").

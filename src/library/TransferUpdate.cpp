@@ -186,7 +186,10 @@ std::string updateSummary(const TransferReport& report) {
 
 void updateComputer(Context& ctx, Routine& r, TransferReport& report, bool dryRun) {
     if (restoreUnfinished(ctx)) {
-        if (finishRestoreFirst(ctx)) return restoreThumbdrive(ctx, r, report, true, dryRun);
+        if (finishRestoreFirst(ctx)) {
+            report.finishedRestore = true;
+            return restoreThumbdrive(ctx, r, report, true, dryRun);
+        }
         report.declined = true;
         return;
     }
