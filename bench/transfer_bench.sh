@@ -5,6 +5,12 @@
 # the image with fusefat and unmount it again; each run starts from an empty library.
 # The target is at most 1.2 times the floor.
 #
+# Then "&Update FROM Thumbdrive" (`tvk update`) of a stick of 750 presets and 40
+# recordings of which 10 changed since the mirror folder was made, side by side with
+# `rsync -a --delete --checksum` of the stick's folder into a plain folder holding the
+# files as they were (rsync compares by name, so it holds them under the stick's names).
+# Both read every file of the stick; the target is at most 1.5 times rsync.
+#
 #   bench/transfer_bench.sh            # builds Release into build-bench-transfer, then runs
 #   RUNS=5 bench/transfer_bench.sh     # best of 5 instead of 3
 set -euo pipefail
@@ -17,9 +23,14 @@ lib="$HOME/Documents/Tavrin File Manager"
 mkdir -p "$lib"
 mirror="$lib/BENCH - 2021BEEF"
 
+# 250 presets of each family and 40 recordings from the test-file generator.
+"$tvk" make-files "$work" --presets 250 --songs 14 --seed 1 --suffix bench >/dev/null
+stick="$work/stick.img"
+
+# PART=update times only the update.
+if [[ "${PART:-all}" != update ]]; then
 # The stick: 250 presets of each family and 40 recordings from the test-file generator,
 # 20 MP3 files of 3 MB.
-"$tvk" make-files "$work" --presets 250 --songs 14 --seed 1 --suffix bench >/dev/null
 pristine="$work/pristine.img"
 blank_stick "$pristine" 256M BENCH 2021BEEF
 fusefat -o rw+ "$pristine" "$mnt"
@@ -32,7 +43,6 @@ for f in "$work"/FAKEPRFILES*/*; do
 done
 for i in $(seq -w 1 20); do head -c $((3 << 20)) /dev/urandom >"$mnt/TAVRIN/Track $i.mp3"; done
 fusermount -u "$mnt"
-stick="$work/stick.img"
 fresh() {
     cp --sparse=always "$pristine" "$stick"
     rm -rf "$mirror"
@@ -61,3 +71,50 @@ tvk_us=$(best_prepared_us fresh tvk_run)
 floor_us=$(best_prepared_us fresh floor_run)
 awk -v t="$tvk_us" -v c="$floor_us" 'BEGIN {
     printf "add all   tvk add-all %9.1f ms   cp + mv %9.1f ms   ratio %5.2f\n", t / 1000, c / 1000, t / c }'
+
+fi
+
+# The update: a stick of 790 organ files (written with mtools, which is far quicker than
+# fusefat), its mirror folder made by one update, then 10 files changed on the stick.
+stick790="$work/stick790.img"
+plain0="$work/plain0"
+blank_stick "$stick790" 256M BENCH 2021BEEF
+mkdir -p "$plain0"
+songs=0
+for f in "$work"/FAKEPRFILES*/*; do
+    case "$f" in
+    *SONG*) ((songs < 40)) || continue; songs=$((songs + 1)) ;;
+    esac
+    cp -p "$f" "$plain0/"
+done
+mcopy -i "$stick790" "$plain0"/* ::TAVRIN/
+rm -rf "$mirror"
+"$tvk" --yes update --drive-image "$stick790" </dev/null >/dev/null
+mirror0="$work/mirror0"
+cp -a "$mirror" "$mirror0"
+for f in $(ls "$plain0" | awk 'NR % 79 == 1 && n++ < 10'); do
+    cp "$plain0/$f" "$work/changed"
+    printf 'changed' >>"$work/changed"
+    mcopy -o -i "$stick790" "$work/changed" "::TAVRIN/$f"
+done
+stick_files=$(ls "$plain0" | wc -l)
+
+update_fresh() {
+    cp --sparse=always "$stick790" "$stick"
+    rm -rf "$mirror" "$work/plain"
+    cp -a "$mirror0" "$mirror"
+    cp -a "$plain0" "$work/plain"
+}
+update_run() { "$tvk" --yes update --drive-image "$stick" </dev/null; }
+rsync_run() {
+    fusefat -o ro "$stick" "$mnt"
+    rsync -a --delete --checksum "$mnt/TAVRIN/" "$work/plain/"
+    fusermount -u "$mnt"
+}
+update_fresh
+summary=$(update_run | tail -1)
+echo "update: $stick_files files on the stick; tvk says: $summary"
+update_us=$(best_prepared_us update_fresh update_run)
+rsync_us=$(best_prepared_us update_fresh rsync_run)
+awk -v t="$update_us" -v c="$rsync_us" 'BEGIN {
+    printf "update    tvk update  %9.1f ms   rsync     %9.1f ms   ratio %5.2f\n", t / 1000, c / 1000, t / c }'

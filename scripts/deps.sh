@@ -15,6 +15,7 @@ packages=(
     lame ffmpeg gstreamer1.0-plugins-good
     xvfb xauth xdg-utils
     qt6-qpa-plugins nsis lintian desktop-file-utils appstream
+    rsync
 )
 
 missing=()

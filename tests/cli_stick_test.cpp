@@ -109,6 +109,52 @@ TEST_F(TvkOnStick, TheFiveTransfersAndAutoBackup) {
               (std::vector<std::string>{"Bells.LPG", "Bells_#01.LPG", "TUNE (1).MID", "TUNE.MID"}));
 }
 
+// The dry runs say per file what update and restore would do, and change nothing on
+// either side.
+TEST_F(TvkOnStick, DryRunsListWhatWouldBeDoneAndChangeNothing) {
+    plug({"fat16", 32, "ORGAN", "1234ABCD"}, {"TUNE.MID", "EXTRA.TXT"});
+    presetOnStick("SUPSET01.LPG", "Bells");
+    const auto mirror = lib / "ORGAN - 1234ABCD";
+    test::put(mirror, {{"Bells_#01.LPG",
+                        test::generatedOrganFile(Series::SU, FileKind::Preset, "Bells", 5)},
+                       {"TUNE.MID", "midi"},
+                       {"Gone.txt", "mine"}});
+    const auto before = test::snapshot(mirror);
+    // The stick's files as mtools reads them from the image (mounting alone rewrites it).
+    const auto onStick = [&] {
+        test::Files files;
+        for (const auto& name : test::imageNames(image, "TAVRIN")) {
+            test::runCommand(
+                "MTOOLS_SKIP_CHECK=1 mtype -i '" + pathToUtf8(image) + "' ::TAVRIN/" + name,
+                &files[name]);
+        }
+        return files;
+    };
+    const test::Files stickBefore = onStick();
+    ASSERT_EQ(stickBefore.size(), 3u);
+    const std::pair<const char*, const char*> runs[] = {
+        {"update --dry-run",
+         "copy EXTRA.TXT -> EXTRA.TXT\n"
+         "unchanged SUPSET01.LPG -> Bells_#01.LPG\n"
+         "replace TUNE.MID -> TUNE.MID\n"
+         "remove Gone.txt (to the recycle bin)\n"
+         "1 to copy, 1 to replace, 1 unchanged, 1 to remove; nothing was changed\n"},
+        {"restore --dry-run",
+         "unchanged Bells_#01.LPG -> SUPSET01.LPG\n"
+         "copy Gone.txt -> Gone.txt\n"
+         "replace TUNE.MID -> TUNE.MID\n"
+         "remove EXTRA.TXT (to the program's Recycle Bin)\n"
+         "1 to copy, 1 to replace, 1 unchanged, 1 to remove; nothing was changed\n"},
+    };
+    for (const auto& [command, lines] : runs) {
+        SCOPED_TRACE(command);
+        EXPECT_EQ(tvk(command), 0) << out;
+        EXPECT_TRUE(said(lines)) << out;
+        EXPECT_EQ(test::snapshot(mirror), before);
+        EXPECT_TRUE(onStick() == stickBefore) << "the stick was written";
+    }
+}
+
 TEST_F(TvkOnStick, ScanRenameAndFormat) {
     image = test::makeImage(home, "stick.img", {"fat32", 40, "CLI STICK", "0BADF00D"});
     EXPECT_EQ(tvk("--yes scan"), 0) << out;

@@ -5,6 +5,7 @@
 
 #include <fstream>
 
+#include "app/FileIO.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "drive/MountInfo.h"
@@ -62,6 +63,42 @@ TEST(DriveProbe, FatImagesGiveTypeLabelAndSerialAsWindowsReadsThem) {
         EXPECT_EQ(probe->label, c.recipe.label);
         EXPECT_EQ(hexUpper(probe->serialNumber), c.serialHex);
         std::filesystem::remove(tree.path("v.img"));
+    }
+}
+
+// The room a restore counts on an image stick (whose mount reports none): the free
+// clusters of its FAT, as mtools counts them, for every FAT width and a cluster size that
+// rounds small files up.
+TEST(DriveProbe, FreeClustersAreCountedInTheFatAsMtoolsCountsThem) {
+    TVK_LINUX_ONLY("volume images are made with mkfs");
+    TempTree tree;
+    for (const ImageRecipe& recipe :
+         {ImageRecipe{"fat12", 2, "A", ""}, ImageRecipe{"fat16", 32, "B", ""},
+          ImageRecipe{"fat32", 40, "C", ""}}) {
+        SCOPED_TRACE(recipe.kind);
+        const auto image = test::makeImage(tree, recipe.kind + ".img", recipe);
+        // Files of odd sizes, one spanning clusters, one removed again (its clusters free).
+        for (const auto& [name, size] :
+             {std::pair<const char*, int>{"A.BIN", 1}, {"B.BIN", 70000}, {"C.BIN", 513}}) {
+            test::writeFile(tree.path(name), std::string(size, 'x'));
+            ASSERT_EQ(test::runCommand("MTOOLS_SKIP_CHECK=1 mcopy -i '" + pathToUtf8(image) +
+                                       "' '" + pathToUtf8(tree.path(name)) + "' ::" + name),
+                      0);
+        }
+        ASSERT_EQ(
+            test::runCommand("MTOOLS_SKIP_CHECK=1 mdel -i '" + pathToUtf8(image) + "' ::B.BIN"), 0);
+        std::string listing;
+        test::runCommand("MTOOLS_SKIP_CHECK=1 mdir -i '" + pathToUtf8(image) + "' ::", &listing);
+        const auto freeAt = listing.find(" bytes free");
+        ASSERT_NE(freeAt, std::string::npos) << listing;
+        std::string digits;
+        for (auto i = listing.rfind('\n', freeAt) + 1; i < freeAt; ++i)
+            if (listing[i] >= '0' && listing[i] <= '9') digits += listing[i];
+        FileReader in(image);
+        const auto fat = countFatFreeSpace(
+            [&](std::uint64_t at, std::size_t size) { return in.readAt(at, size); });
+        ASSERT_TRUE(fat);
+        EXPECT_EQ(fat->freeClusters * fat->clusterBytes, std::stoull(digits));
     }
 }
 

@@ -6,7 +6,7 @@
 
 namespace tvk {
 
-DiskSpace diskSpace(const std::filesystem::path& folder) {
+DiskSpace systemDiskSpace(const std::filesystem::path& folder) {
     wchar_t root[MAX_PATH];
     ULARGE_INTEGER available{};
     DWORD sectorsPerCluster = 0, bytesPerSector = 0, freeClusters = 0, clusters = 0;
@@ -18,6 +18,9 @@ DiskSpace diskSpace(const std::filesystem::path& folder) {
     DiskSpace space;
     space.available = available.QuadPart;
     space.unit = std::uintmax_t(sectorsPerCluster) * bytesPerSector;
+    DWORD flags = 0;
+    if (GetVolumeInformationW(root, nullptr, 0, nullptr, nullptr, &flags, nullptr, 0))
+        space.readOnly = (flags & FILE_READ_ONLY_VOLUME) != 0;
     return space;
 }
 

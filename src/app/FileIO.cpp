@@ -137,12 +137,13 @@ void writeNewFile(const std::filesystem::path& file, std::string_view bytes) {
 
 namespace {
 
-// Copies `head` (already read from `in`) and the rest of `in` to `destination`.
+// Copies `head` (already read from `in`) and the rest of `in` to `destination`; with
+// `replace`, the complete copy takes the place of a file already there.
 void copyOpened(detail::InputFile& in, const std::filesystem::path& source, std::string_view head,
                 std::uintmax_t total, const std::filesystem::path& destination,
-                const CopyProgress& progress) {
+                const CopyProgress& progress, bool replace = false) {
     std::error_code ec;
-    if (std::filesystem::exists(std::filesystem::symlink_status(destination, ec)))
+    if (!replace && std::filesystem::exists(std::filesystem::symlink_status(destination, ec)))
         throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(destination));
     // Only a copy onto a drive that keeps months one off needs the source's date again;
     // asking for it by name costs a FUSE stick a scan of its folder.
@@ -167,8 +168,28 @@ void copyOpened(detail::InputFile& in, const std::filesystem::path& source, std:
             }
             out.copyTimesFrom(in);
         },
-        [&](const std::filesystem::path& temp) { detail::renameExclusive(temp, destination); });
+        [&](const std::filesystem::path& temp) {
+            if (replace)
+                detail::renameReplacing(temp, destination);
+            else
+                detail::renameExclusive(temp, destination);
+        });
     if (written) settleEntryTime(destination, *written);
+}
+
+// True when `in`, of which `head` is already read, holds the bytes of `other` (of the
+// same size). Stops at the first difference.
+bool sameRest(detail::InputFile& in, std::string_view head, const std::filesystem::path& other) {
+    FileReader theirs(other);
+    if (theirs.readAt(0, head.size()) != head) return false;
+    std::uint64_t at = head.size();
+    std::vector<char> buffer(kCopyChunk);
+    for (;;) {
+        const std::size_t n = in.read(buffer.data(), buffer.size());
+        if (n == 0) return at == theirs.size();
+        if (theirs.readAt(at, n) != std::string_view(buffer.data(), n)) return false;
+        at += n;
+    }
 }
 
 }  // namespace
@@ -188,6 +209,37 @@ std::string copyFileNamed(const std::filesystem::path& source, const std::filesy
     std::string name = nameFor(head);
     copyOpened(in, source, head, total, folder / pathFromUtf8(name), progress);
     return name;
+}
+
+MirroredFile copyFileMirrored(const std::filesystem::path& source,
+                              const std::filesystem::path& folder, const NameForContents& nameFor,
+                              const CopyProgress& progress, bool write) {
+    auto in = std::make_unique<detail::InputFile>(source);
+    const std::uintmax_t total = in->size();
+    const std::string head =
+        readUpTo(*in, static_cast<std::size_t>(std::min<std::uintmax_t>(total, kNamedCopyHead)));
+    MirroredFile result{nameFor(head), MirrorCopy::Added};
+    const auto destination = folder / pathFromUtf8(result.name);
+    std::error_code ec;
+    const auto status = std::filesystem::symlink_status(destination, ec);
+    if (std::filesystem::is_regular_file(status)) {
+        result.how = MirrorCopy::Replaced;
+        const bool readOn = total > head.size();
+        if (std::filesystem::file_size(destination, ec) == total && !ec &&
+            sameRest(*in, head, destination))
+            result.how = MirrorCopy::Unchanged;
+        else if (readOn && write)
+            in = std::make_unique<detail::InputFile>(source);  // read past the head: start over
+        if (result.how == MirrorCopy::Unchanged || !write) return result;
+        if (readOn) {
+            copyOpened(*in, source, {}, total, destination, progress, true);
+            return result;
+        }
+    } else if (std::filesystem::exists(status)) {
+        throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(destination));
+    }
+    if (write) copyOpened(*in, source, head, total, destination, progress, true);
+    return result;
 }
 
 void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to) {

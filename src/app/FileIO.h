@@ -79,6 +79,19 @@ using NameForContents = std::function<std::string(std::string_view head)>;
 std::string copyFileNamed(const std::filesystem::path& source, const std::filesystem::path& folder,
                           const NameForContents& nameFor, const CopyProgress& progress = {});
 
+// As copyFileNamed, into a folder kept up to date in place rather than rebuilt: a file
+// already under the chosen name stays when it holds the source's bytes, and is otherwise
+// replaced only by a complete copy, so an interrupted copy leaves the old file. With
+// `write` false nothing is written; the result says what would be done.
+enum class MirrorCopy { Added, Replaced, Unchanged };
+struct MirroredFile {
+    std::string name;
+    MirrorCopy how = MirrorCopy::Added;
+};
+MirroredFile copyFileMirrored(const std::filesystem::path& source,
+                              const std::filesystem::path& folder, const NameForContents& nameFor,
+                              const CopyProgress& progress = {}, bool write = true);
+
 // Renames within one volume; refuses (58) when `to` exists instead of replacing it. On
 // FAT a name that differs only in case is the same file, so it counts as existing.
 void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to);

@@ -20,6 +20,7 @@ struct ImageDrive {
     std::string loopDevice;          // exFAT as root goes through a loop device
     VolumeProbe probe;               // as read when last mounted
     bool mounted = false;
+    bool readOnly = false;  // the image file cannot be written: mounted for reading only
 };
 
 class ImageDrives {

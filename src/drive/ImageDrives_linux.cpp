@@ -3,6 +3,7 @@
 #include "app/FileIO.h"
 
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,6 +11,7 @@
 #include <fstream>
 #include <thread>
 
+#include "app/DiskSpace.h"
 #include "app/FileTimes.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
@@ -82,6 +84,25 @@ std::string unmountDir(const fs::path& dir) {
     return r.ok() ? std::string() : trimWhitespace(r.output);
 }
 
+// fusefat reports no free space at all; the image's FAT says how much there is. The
+// driver writes its FAT through to the image, so the count is current.
+DiskSpace imageFreeSpace(const fs::path& image, bool readOnly) {
+    std::optional<FatFreeSpace> fat;
+    try {
+        FileReader in(image);
+        fat = countFatFreeSpace(
+            [&](std::uint64_t offset, std::size_t size) { return in.readAt(offset, size); });
+    } catch (const RuntimeError&) {
+        throw RuntimeError(kErrDiskNotReady, "free space of " + pathToUtf8(image));
+    }
+    if (!fat) throw RuntimeError(kErrDeviceIO, "free space of " + pathToUtf8(image));
+    DiskSpace space;
+    space.unit = fat->clusterBytes;
+    space.available = fat->freeClusters * fat->clusterBytes;
+    space.readOnly = readOnly;
+    return space;
+}
+
 }  // namespace
 
 fs::path imageMountFolder() {
@@ -142,21 +163,28 @@ std::string ImageDrives::mount(ImageDrive& d) {
                "damaged)";
     d.probe = *probe;
     const std::string image = pathToUtf8(d.image), dir = pathToUtf8(d.mountDir);
+    // An image the user may not write is a write-protected stick: mounted for reading.
+    // (An administrator may write any file: a file nobody may write counts as protected too.)
+    struct stat st {};
+    d.readOnly = ::access(d.image.c_str(), W_OK) != 0 ||
+                 (::stat(d.image.c_str(), &st) == 0 && (st.st_mode & 0222) == 0);
     std::vector<std::string> command;
     if (probe->fatBits != 0) {
-        command = {"fusefat", "-o", "rw+", image, dir};
+        command = {"fusefat", "-o", d.readOnly ? "ro" : "rw+", image, dir};
     } else if (probe->fileSystemName == "exFAT") {
         // As root exfat-fuse insists on a block device.
         std::string source = image;
         if (geteuid() == 0) {
-            const auto loop = runProcess({"losetup", "-f", "--show", image});
+            const auto loop = d.readOnly ? runProcess({"losetup", "-r", "-f", "--show", image})
+                                         : runProcess({"losetup", "-f", "--show", image});
             if (!loop.ok()) return "no loop device for the exFAT image: " + loop.output;
             d.loopDevice = trimWhitespace(loop.output);
             source = d.loopDevice;
         }
         command = {"mount.exfat-fuse", source, dir};
+        if (d.readOnly) command.insert(command.begin() + 1, {"-o", "ro"});
     } else if (startsWith(probe->fileSystemName, "ext")) {
-        command = {"fuse2fs", image, dir, "-o", "rw"};
+        command = {"fuse2fs", image, dir, "-o", d.readOnly ? "ro" : "rw"};
     } else {
         return "no driver here mounts a " + probe->fileSystemName + " image";
     }
@@ -172,7 +200,11 @@ std::string ImageDrives::mount(ImageDrive& d) {
         return command[0] + " could not mount it: " + trimWhitespace(r.output);
     }
     d.mounted = true;
-    if (probe->fatBits != 0) markMonthOneTooHigh(d.mountDir);
+    if (probe->fatBits != 0) {
+        markMonthOneTooHigh(d.mountDir);
+        countSpaceWith(d.mountDir,
+                       [image = d.image, ro = d.readOnly] { return imageFreeSpace(image, ro); });
+    }
     return {};
 }
 
@@ -182,6 +214,7 @@ std::string ImageDrives::unmount(ImageDrive& d) {
     if (!problem.empty()) return problem;
     d.mounted = false;
     forgetMonthOneTooHigh(d.mountDir);
+    forgetSpaceCounter(d.mountDir);
     waitUntilReleased(d.image);
     detachLoop(d.loopDevice);
     d.loopDevice.clear();

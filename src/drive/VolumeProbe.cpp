@@ -184,6 +184,41 @@ std::optional<VolumeProbe> probeFat(const SectorReader& read, std::string_view b
     return p;
 }
 
+}  // namespace
+
+std::optional<FatFreeSpace> countFatFreeSpace(const SectorReader& read) {
+    const auto layout = readFatLayout(read(0, 512));
+    if (!layout) return std::nullopt;
+    const FatLayout& l = *layout;
+    const int bits = l.clusters < 4085 ? 12 : l.clusters < 65525 ? 16 : 32;
+    // The first FAT, read whole: at most a few MB even for a large FAT32 stick.
+    const std::uint64_t entries = std::uint64_t(l.clusters) + 2;
+    const std::uint64_t needed = (entries * static_cast<unsigned>(bits) + 7) / 8;
+    const std::uint64_t fatBytes =
+        std::min<std::uint64_t>(needed, std::uint64_t(l.fatSectors) * l.bytesPerSector);
+    const std::string fat = read(l.sectorOffset(l.reserved), static_cast<std::size_t>(fatBytes));
+    FatFreeSpace space;
+    space.clusterBytes = l.bytesPerSector * l.sectorsPerCluster;
+    for (std::uint64_t c = 2; c < entries; ++c) {
+        std::uint32_t value = 0;
+        if (bits == 12) {
+            const std::uint64_t at = c + c / 2;
+            if (at + 2 > fat.size()) break;
+            const std::uint32_t pair = le(fat, static_cast<std::size_t>(at), 2);
+            value = (c & 1) ? pair >> 4 : pair & 0x0FFF;
+        } else {
+            const std::uint64_t at = c * static_cast<unsigned>(bits / 8);
+            if (at + bits / 8 > fat.size()) break;
+            value = le(fat, static_cast<std::size_t>(at), bits / 8);
+            if (bits == 32) value &= 0x0FFFFFFF;
+        }
+        if (value == 0) ++space.freeClusters;
+    }
+    return space;
+}
+
+namespace {
+
 std::optional<VolumeProbe> probeExfat(const SectorReader& read, std::string_view bs) {
     const std::uint32_t sectorShift = le(bs, 108, 1), clusterShift = le(bs, 109, 1);
     // Clusters are at most 32 MiB: the limit is on the two shifts together.

@@ -29,6 +29,15 @@ std::optional<VolumeProbe> probeVolume(const SectorReader& read);
 // Reads a device or an image file. Throws RuntimeError when it cannot be opened or read.
 std::optional<VolumeProbe> probeVolume(const std::filesystem::path& deviceOrImage);
 
+// The free room of a FAT volume: its free clusters counted in the first FAT (the FSInfo
+// sector's figure is only a hint, which not every driver keeps). Nullopt when the boot
+// sector is not FAT's.
+struct FatFreeSpace {
+    std::uint64_t freeClusters = 0;
+    std::uint32_t clusterBytes = 0;
+};
+std::optional<FatFreeSpace> countFatFreeSpace(const SectorReader& read);
+
 // A FAT directory-entry name (11 bytes, code page 437) as UTF-8.
 std::string decodeOemName(std::string_view bytes);
 

@@ -17,6 +17,12 @@ FolderNames::FolderNames(std::filesystem::path folder, bool list) : folder_(std:
     listed_ = true;
 }
 
+FolderNames FolderNames::planned(std::filesystem::path folder) {
+    FolderNames names(std::move(folder), false);
+    names.addedOnly_ = true;
+    return names;
+}
+
 void FolderNames::add(const std::string& name) {
     names_.insert(name);
     upperNames_.insert(utf8ToUpper(name));
@@ -24,6 +30,7 @@ void FolderNames::add(const std::string& name) {
 
 bool FolderNames::taken(const std::string& name) const {
     if (names_.count(name) != 0) return true;
+    if (addedOnly_) return upperNames_.count(utf8ToUpper(name)) != 0;
     if (listed_ && upperNames_.count(utf8ToUpper(name)) == 0) return false;
     std::error_code ec;
     return std::filesystem::exists(

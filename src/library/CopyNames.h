@@ -26,6 +26,9 @@ class FolderNames {
   public:
     // Lists the folder unless `list` is false; throws when it cannot be read.
     explicit FolderNames(std::filesystem::path folder, bool list = true);
+    // The names a command is giving a folder it keeps up to date in place: only the names
+    // added count as taken (without regard to case), not the old files still there.
+    static FolderNames planned(std::filesystem::path folder);
     bool taken(const std::string& name) const;
     void add(const std::string& name);
     const std::filesystem::path& folder() const { return folder_; }
@@ -33,6 +36,7 @@ class FolderNames {
   private:
     std::filesystem::path folder_;
     bool listed_ = false;
+    bool addedOnly_ = false;
     std::unordered_set<std::string> names_, upperNames_;
 };
 

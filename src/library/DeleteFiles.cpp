@@ -36,15 +36,9 @@ bool toSystemBin(Context& ctx, Routine& r, const fs::path& path) {
 // once the copy is complete, so a pulled stick loses nothing. Returns the name in the
 // bin, or "" when the file is still on the stick.
 std::string toProgramBin(Context& ctx, Routine& r, const fs::path& file) {
-    const fs::path bin = ctx.paths.recycleBin();
     std::string binName;
-    const bool copied = r.step("Recycle " + pathToUtf8(file), [&] {
-        fs::create_directories(bin);
-        binName = fileNameUtf8(file);
-        std::error_code ec;
-        if (fs::exists(bin / pathFromUtf8(binName), ec)) binName = freeDuplicateName(bin, binName);
-        copyFileSafely(file, bin / pathFromUtf8(binName));
-    });
+    const bool copied =
+        r.step("Recycle " + pathToUtf8(file), [&] { binName = copyToProgramBin(ctx, file); });
     if (!copied) return {};
     r.step("Kill " + pathToUtf8(file), [&] { fs::remove(file); });
     std::error_code ec;
@@ -111,6 +105,16 @@ void deleteFiles(Context& ctx, Routine& r, const ListSelection& s, DeleteReport&
 }
 
 }  // namespace
+
+std::string copyToProgramBin(Context& ctx, const fs::path& file) {
+    const fs::path bin = ctx.paths.recycleBin();
+    fs::create_directories(bin);
+    std::string binName = fileNameUtf8(file);
+    std::error_code ec;
+    if (fs::exists(bin / pathFromUtf8(binName), ec)) binName = freeDuplicateName(bin, binName);
+    copyFileSafely(file, bin / pathFromUtf8(binName));
+    return binName;
+}
 
 DeleteReport mnuEditDelete_Click(Context& ctx, const ListSelection& selection) {
     DeleteReport report;

@@ -23,6 +23,10 @@ DeleteReport mnuEditDelete_Click(Context& ctx, const ListSelection& selection);
 // The active list and its selected-file table (or the tree's folder).
 DeleteReport mnuEditDelete_Click(Context& ctx);
 
+// A copy of a stick file in the program's bin, flat, " (1)" before the extension when
+// the name is taken there; returns the name it got. The stick file itself stays.
+std::string copyToProgramBin(Context& ctx, const std::filesystem::path& file);
+
 // Sends the files of the program's bin to the system's recycle bin, after asking.
 DeleteReport mnuFileEmpty_Click(Context& ctx);
 

@@ -9,6 +9,7 @@
 #include "drive/ScanForUSBs.h"
 #include "drive/Volumes.h"
 #include "library/CategoryViews.h"
+#include "library/StickFaults.h"
 #include "library/TransferSupport.h"
 #include "organfiles/AnalyzeContent.h"
 
@@ -132,28 +133,6 @@ TransferReport addToPool(Context& ctx, Routine& r, TransferButton button) {
     return report;
 }
 
-// The mirror folder's files by size, subfolders included, for finding a stick file's
-// bytes in it.
-std::multimap<std::uintmax_t, std::filesystem::path> filesBySize(
-    const std::filesystem::path& folder) {
-    std::multimap<std::uintmax_t, std::filesystem::path> sizes;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-        if (entry.is_regular_file() && !isTemporaryName(fileNameUtf8(entry.path())))
-            sizes.emplace(entry.file_size(), entry.path());
-    return sizes;
-}
-
-bool heldIn(const std::multimap<std::uintmax_t, std::filesystem::path>& sizes,
-            const std::filesystem::path& file) {
-    const auto size = std::filesystem::file_size(file);
-    const auto [first, last] = sizes.equal_range(size);
-    if (first == last) return false;
-    const std::string bytes = readWholeFile(file);
-    for (auto it = first; it != last; ++it)
-        if (readWholeFile(it->second) == bytes) return true;
-    return false;
-}
-
 // Auto Backup of a stick whose mirror folder exists: only what is new or changed.
 TransferReport addNewFiles(Context& ctx, Routine& r) {
     TransferReport report;
@@ -179,6 +158,24 @@ TransferReport addNewFiles(Context& ctx, Routine& r) {
 
 }  // namespace
 
+FilesBySize filesBySize(const std::filesystem::path& folder) {
+    FilesBySize sizes;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+        if (entry.is_regular_file() && !isTemporaryName(fileNameUtf8(entry.path())))
+            sizes.emplace(entry.file_size(), entry.path());
+    return sizes;
+}
+
+bool heldIn(const FilesBySize& sizes, const std::filesystem::path& file) {
+    const auto size = std::filesystem::file_size(file);
+    const auto [first, last] = sizes.equal_range(size);
+    if (first == last) return false;
+    const std::string bytes = readWholeFile(file);
+    for (auto it = first; it != last; ++it)
+        if (readWholeFile(it->second) == bytes) return true;
+    return false;
+}
+
 void TransferCopy::run(const std::filesystem::path& from, const std::vector<std::string>& files,
                        FolderNames& to, const NameChooser& choose) {
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -198,7 +195,7 @@ void TransferCopy::copyOne(const std::filesystem::path& from, const std::string&
     int error = 0;
     bool done = false;
     try {
-        done = r_.step("Copy " + quoted(pathToUtf8(source)), [&] {
+        const auto body = [&] {
             report_.duplicates = duplicates;
             try {
                 const auto nameFor = [&](std::string_view head) {
@@ -214,7 +211,12 @@ void TransferCopy::copyOne(const std::filesystem::path& from, const std::string&
                 error = RuntimeError::fromCurrentException().number();
                 throw;
             }
-        });
+        };
+        const std::string task = "Copy " + quoted(pathToUtf8(source));
+        done = stickAware_ ? stickStep(r_, task, body) : r_.step(task, body);
+    } catch (const StickRemoved&) {
+        report_.failures.push_back({name, error});
+        throw;
     } catch (const RoutineAbort&) {
         report_.failures.push_back({name, error});  // the file the command stopped at
         throw;
@@ -227,15 +229,27 @@ void TransferCopy::copyOne(const std::filesystem::path& from, const std::string&
     report_.copied.push_back({name, target});
 }
 
+namespace {
+
+std::vector<std::string> listStick(Context& ctx, const std::string& patterns) {
+    const ThumbDriveState& d = ctx.state.drive;
+    std::vector<std::string> ignore;
+    if (ctx.volumes && !d.letter.empty()) ignore = ctx.volumes->systemEntries(d.letter);
+    return listPlainFiles(d.tavrinFolder(), patterns, ignore);
+}
+
+}  // namespace
+
 std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string& patterns) {
     std::vector<std::string> files;
-    const ThumbDriveState& d = ctx.state.drive;
-    r.step("List " + pathToUtf8(d.tavrinFolder()), [&] {
-        std::vector<std::string> ignore;
-        if (ctx.volumes && !d.letter.empty()) ignore = ctx.volumes->systemEntries(d.letter);
-        files = listPlainFiles(d.tavrinFolder(), patterns, ignore);
-    });
+    r.step("List " + pathToUtf8(ctx.state.drive.tavrinFolder()),
+           [&] { files = listStick(ctx, patterns); });
     return files;
+}
+
+bool listStickFiles(Context& ctx, Routine& r, std::vector<std::string>& files) {
+    return stickStep(r, "List " + pathToUtf8(ctx.state.drive.tavrinFolder()),
+                     [&] { files = listStick(ctx, "*.*"); });
 }
 
 std::string addAllName(Context& ctx, const FolderNames& folder, const std::string& name,
@@ -260,7 +274,7 @@ std::string copyingText(const std::string& verb, const std::string& name, std::s
 void afterTransfer(Context& ctx) {
     ctx.ui.hideProgress();
     MainState& s = ctx.state;
-    if (s.drive.present) {
+    if (s.drive.present && !stickGone(ctx)) {  // a pulled stick is the next scan's
         std::error_code ec;
         const bool mirror = std::filesystem::is_directory(mirrorFolder(ctx), ec);
         s.enabled[controlName("btnUSB_Docs", 0)] = mirror;
@@ -275,17 +289,17 @@ std::filesystem::path mirrorFolder(const Context& ctx) {
     return ctx.paths.libraryRoot / pathFromUtf8(mirrorFolderName(d.volumeName, d.serialHex));
 }
 
-TransferReport btnUSB_Docs_Click(Context& ctx, int index) {
+TransferReport btnUSB_Docs_Click(Context& ctx, int index, bool dryRun) {
     TransferReport report;
     routine(ctx, "frmMain.btnUSB_Docs_Click #" + std::to_string(index), [&](Routine& r) {
         if (index < 0 || index > 4 || !ctx.state.drive.present) return;
         showAllFiles(ctx);
         switch (static_cast<TransferButton>(index)) {
             case TransferButton::Update:
-                report = updateComputer(ctx, r);
+                updateComputer(ctx, r, report, dryRun);
                 break;
             case TransferButton::Restore:
-                report = restoreThumbdrive(ctx, r, false);
+                restoreThumbdrive(ctx, r, report, false, dryRun);
                 break;
             case TransferButton::AddAll:
                 report = addAll(ctx, r, stickFiles(ctx, r));
@@ -298,6 +312,9 @@ TransferReport btnUSB_Docs_Click(Context& ctx, int index) {
         }
     });
     afterTransfer(ctx);
+    if (index == static_cast<int>(TransferButton::Update) && report.completed && !dryRun &&
+        !report.finishedRestore)
+        ctx.ui.setStatus(StatusPanel::Second, updateSummary(report));
     return report;
 }
 

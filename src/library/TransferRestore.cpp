@@ -1,11 +1,14 @@
 // "Restore TO &Thumbdrive": the stick's TAVRIN folder becomes a copy of its mirror folder,
 // presets and recordings under their organ names again.
 //
-// Every name and every question is settled first, and the files must fit (the stick's
-// free room plus what the restore removes) before anything on the stick goes. A note at
-// the stick's root says a restore is under way until the last file is in place, so a
-// stick pulled part way is recognised at its next scan. The mirror folder is only read.
+// Every name and every question is settled first; every file to be copied must open, and
+// the files must fit (the stick's free clusters plus those of what the restore removes)
+// before anything on the stick goes. A stick file the computer's copy does not hold is
+// kept in the program's Recycle Bin before it is removed. A note at the stick's root says
+// a restore is under way until the last file is in place, so a stick pulled part way is
+// recognised at its next scan. The mirror folder is only read.
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -13,6 +16,8 @@
 #include "app/FileIO.h"
 #include "app/PlainFiles.h"
 #include "app/Text.h"
+#include "library/DeleteFiles.h"
+#include "library/StickFaults.h"
 #include "library/TransferSupport.h"
 #include "organfiles/OrganFile.h"
 
@@ -24,10 +29,6 @@ constexpr const char* kRestoreNote = ".tvk-restore";
 
 std::string quoted(const std::string& text) {
     return std::string(kQuote) + text + std::string(kQuote);
-}
-
-std::filesystem::path restoreNote(const Context& ctx) {
-    return ctx.state.drive.root / kRestoreNote;
 }
 
 struct Planned {
@@ -150,28 +151,41 @@ bool confirmRestore(Context& ctx, std::size_t count, const std::filesystem::path
 }
 
 // What is on the stick now: the files a restore removes, our own leftovers included.
-std::vector<std::filesystem::path> stickContents(Context& ctx, Routine& r) {
-    std::vector<std::filesystem::path> found;
+bool stickContents(Context& ctx, Routine& r, std::vector<std::filesystem::path>& found) {
     const auto folder = ctx.state.drive.tavrinFolder();
-    const auto plain = stickFiles(ctx, r);
-    for (const auto& name : plain) found.push_back(folder / pathFromUtf8(name));
-    r.step("List " + pathToUtf8(folder), [&] {
+    std::vector<std::string> plain;
+    if (!listStickFiles(ctx, r, plain)) return false;
+    return stickStep(r, "List " + pathToUtf8(folder), [&] {
+        found.clear();
+        for (const auto& name : plain) found.push_back(folder / pathFromUtf8(name));
         for (const auto& entry : std::filesystem::directory_iterator(folder))
             if (isTemporaryName(fileNameUtf8(entry.path()))) found.push_back(entry.path());
     });
-    return found;
+}
+
+// Opens every file to be copied and reads its size. A file that cannot be read is the
+// handler's box, with its name; false then, before anything on the stick has changed.
+bool readSizes(Routine& r, const std::filesystem::path& mirror, const std::vector<Planned>& plan,
+               std::vector<std::uintmax_t>& sizes) {
+    sizes.clear();
+    for (const auto& p : plan) {
+        const auto file = mirror / pathFromUtf8(p.from);
+        if (!r.step("Open " + pathToUtf8(file), [&] { sizes.push_back(FileReader(file).size()); }))
+            return false;
+    }
+    return true;
 }
 
 // True when the restore fits; otherwise says so.
 bool fits(Context& ctx, Routine& r, const std::filesystem::path& mirror,
-          const std::vector<Planned>& plan, const std::vector<std::filesystem::path>& removed) {
+          const std::vector<std::uintmax_t>& sizes,
+          const std::vector<std::filesystem::path>& removed) {
     std::uintmax_t need = 0, room = 0;
-    if (!r.step("Measure the free space of " + pathToUtf8(ctx.state.drive.root), [&] {
+    if (!stickStep(r, "Measure the free space of " + pathToUtf8(ctx.state.drive.root), [&] {
             const DiskSpace space = diskSpace(ctx.state.drive.tavrinFolder());
             need = 0;
             room = space.available;
-            for (const auto& p : plan)
-                need += space.roomFor(std::filesystem::file_size(mirror / pathFromUtf8(p.from)));
+            for (const auto size : sizes) need += space.roomFor(size);
             for (const auto& file : removed)
                 room += space.roomFor(std::filesystem::file_size(file));
         }))
@@ -188,10 +202,81 @@ bool fits(Context& ctx, Routine& r, const std::filesystem::path& mirror,
     return false;
 }
 
+// The stick files the computer's copy does not hold, byte for byte: the ones to keep in
+// the program's Recycle Bin before they are removed.
+bool notHeld(Context& ctx, Routine& r, const std::filesystem::path& mirror,
+             const std::vector<std::filesystem::path>& removed,
+             std::vector<std::filesystem::path>& keep) {
+    return stickStep(
+        r, "Compare " + pathToUtf8(ctx.state.drive.tavrinFolder()) + " with " + pathToUtf8(mirror),
+        [&] {
+            keep.clear();
+            const auto sizes = filesBySize(mirror);
+            for (const auto& file : removed)
+                if (!isTemporaryName(fileNameUtf8(file)) && !heldIn(sizes, file))
+                    keep.push_back(file);
+        });
+}
+
+bool keepInBin(Context& ctx, Routine& r, const std::vector<std::filesystem::path>& keep) {
+    for (const auto& file : keep)
+        if (!stickStep(r, "Recycle " + pathToUtf8(file), [&] { copyToProgramBin(ctx, file); }))
+            return false;
+    return true;
+}
+
+// The dry run's lines: what each planned file does to the stick, then the stick files
+// that go.
+void describe(const std::filesystem::path& mirror, const std::vector<Planned>& plan,
+              const std::vector<std::filesystem::path>& removed,
+              const std::vector<std::filesystem::path>& keep, TransferReport& report) {
+    std::map<std::string, std::filesystem::path> onStick;
+    for (const auto& file : removed) onStick[utf8ToUpper(fileNameUtf8(file))] = file;
+    for (const auto& p : plan) {
+        const auto there = onStick.find(utf8ToUpper(p.to));
+        std::string action = "copy";
+        if (there != onStick.end()) {
+            const auto ours = mirror / pathFromUtf8(p.from);
+            action =
+                std::filesystem::file_size(there->second) == std::filesystem::file_size(ours) &&
+                        readWholeFile(there->second) == readWholeFile(ours)
+                    ? "unchanged"
+                    : "replace";
+            onStick.erase(there);
+        }
+        report.lines.push_back({action, p.from, p.to, {}});
+    }
+    for (const auto& file : removed) {
+        const std::string name = fileNameUtf8(file);
+        if (isTemporaryName(name) || !onStick.count(utf8ToUpper(name))) continue;
+        const bool kept = std::find(keep.begin(), keep.end(), file) != keep.end();
+        report.lines.push_back(
+            {"remove",
+             name,
+             {},
+             kept ? "the program's Recycle Bin" : "held in the computer's copy"});
+    }
+}
+
+std::string restoreLeftWhere(const std::filesystem::path& mirror) {
+    return "The files not yet restored are still in " + quoted(pathToUtf8(mirror)) +
+           " on the computer, and the thumbdrive files the restore removed are kept in the "
+           "program's Recycle Bin. Plug the thumbdrive in again to finish the restore.";
+}
+
 }  // namespace
 
-TransferReport restoreThumbdrive(Context& ctx, Routine& r, bool confirmed) {
-    TransferReport report;
+std::filesystem::path restoreNote(const Context& ctx) {
+    return ctx.state.drive.root / kRestoreNote;
+}
+
+bool restoreUnfinished(const Context& ctx) {
+    std::error_code ec;
+    return ctx.state.drive.present && std::filesystem::exists(restoreNote(ctx), ec);
+}
+
+void restoreThumbdrive(Context& ctx, Routine& r, TransferReport& report, bool confirmed,
+                       bool dryRun) {
     const auto mirror = mirrorFolder(ctx);
     std::vector<std::string> files;
     r.step("List " + pathToUtf8(mirror), [&] {
@@ -201,11 +286,17 @@ TransferReport restoreThumbdrive(Context& ctx, Routine& r, bool confirmed) {
     });
     if (files.empty()) {
         ctx.ui.inform("NO FILES FOUND", "There are no files to restore.");
-        return report;
+        return;
     }
-    if (!confirmed && !confirmRestore(ctx, files.size(), mirror)) {
+    try {
+        if (!dryRun && !stickWritable(ctx, r)) return;
+    } catch (const StickRemoved&) {
+        report.stickRemoved = true;
+        return;
+    }
+    if (!confirmed && !dryRun && !confirmRestore(ctx, files.size(), mirror)) {
         report.declined = true;
-        return report;
+        return;
     }
     RestorePlan plan(ctx, mirror);
     if (!r.step("Choose the organ names for " + pathToUtf8(mirror), [&] {
@@ -213,54 +304,71 @@ TransferReport restoreThumbdrive(Context& ctx, Routine& r, bool confirmed) {
             report.skipped.clear();
             plan.build(files, report);
         }))
-        return report;
-    const auto removed = stickContents(ctx, r);
-    if (!fits(ctx, r, mirror, plan.files, removed)) return report;
+        return;
+    std::vector<std::filesystem::path> removed, keep;
+    std::vector<std::uintmax_t> sizes;
+    try {
+        if (!stickContents(ctx, r, removed) || !readSizes(r, mirror, plan.files, sizes) ||
+            !fits(ctx, r, mirror, sizes, removed) || !notHeld(ctx, r, mirror, removed, keep))
+            return;
+        if (dryRun) {
+            describe(mirror, plan.files, removed, keep, report);
+            report.completed = true;
+            return;
+        }
+        if (!keepInBin(ctx, r, keep)) return;
 
-    ctx.ui.setStatus(StatusPanel::Progress, "Preparing...");
-    ctx.ui.processEvents();
-    if (!r.step("Write " + pathToUtf8(restoreNote(ctx)),
-                [&] { writeFileReplacing(restoreNote(ctx), fileNameUtf8(mirror) + "\r\n"); }))
-        return report;
-    for (const auto& file : removed) {
-        if (r.step("Remove " + pathToUtf8(file), [&] { std::filesystem::remove(file); }))
-            report.removed.push_back(fileNameUtf8(file));
-    }
+        ctx.ui.setStatus(StatusPanel::Progress, "Preparing...");
+        ctx.ui.processEvents();
+        if (!stickStep(r, "Write " + pathToUtf8(restoreNote(ctx)), [&] {
+                writeFileReplacing(restoreNote(ctx), fileNameUtf8(mirror) + "\r\n");
+            }))
+            return;
+        for (const auto& file : removed) {
+            if (stickStep(r, "Remove " + pathToUtf8(file), [&] { std::filesystem::remove(file); }))
+                report.removed.push_back(fileNameUtf8(file));
+        }
 
-    ctx.ui.showProgress(static_cast<int>(plan.files.size()));
-    std::vector<std::string> sources;
-    std::map<std::string, std::string> targets;
-    for (const auto& p : plan.files) {
-        sources.push_back(p.from);
-        targets[p.from] = p.to;
+        ctx.ui.showProgress(static_cast<int>(plan.files.size()));
+        std::vector<std::string> sources;
+        std::map<std::string, std::string> targets;
+        for (const auto& p : plan.files) {
+            sources.push_back(p.from);
+            targets[p.from] = p.to;
+        }
+        std::optional<FolderNames> names;
+        if (!stickStep(r, "List " + pathToUtf8(ctx.state.drive.tavrinFolder()),
+                       [&] { names.emplace(ctx.state.drive.tavrinFolder()); }))
+            return;
+        TransferCopy(ctx, r, report, "Restoring ", false)
+            .stopWhenStickRemoved()
+            .run(mirror, sources, *names,
+                 [&](const std::string& name, const SourceFile&) { return targets[name]; });
+    } catch (const StickRemoved&) {
+        report.stickRemoved = true;
+        showStickRemoved(ctx, report.copied.size(), plan.files.size(), restoreLeftWhere(mirror));
+        return;
     }
-    std::optional<FolderNames> names;
-    if (!r.step("List " + pathToUtf8(ctx.state.drive.tavrinFolder()),
-                [&] { names.emplace(ctx.state.drive.tavrinFolder()); }))
-        return report;
-    TransferCopy(ctx, r, report, "Restoring ", false)
-        .run(mirror, sources, *names,
-             [&](const std::string& name, const SourceFile&) { return targets[name]; });
     if (report.failures.empty())
         report.completed = r.step("Remove " + pathToUtf8(restoreNote(ctx)),
                                   [&] { std::filesystem::remove(restoreNote(ctx)); });
-    return report;
+    return;
 }
 
 void offerRestoreRecovery(Context& ctx) {
     routine(ctx, "frmMain.CheckUnfinishedRestore", [&](Routine& r) {
-        if (!ctx.state.drive.present) return;
+        if (!restoreUnfinished(ctx)) return;
         const auto note = restoreNote(ctx);
-        std::error_code ec;
-        if (!std::filesystem::exists(note, ec)) return;
         const std::string text = "The last restore of this THUMBDRIVE from " +
                                  quoted(pathToUtf8(mirrorFolder(ctx))) + " did not finish." +
                                  kParagraph + "Do you want to run it again?";
         const Answer answer = ctx.ui.message(
             Message{"RESTORE THUMBDRIVE", text, Buttons::YesNo, Icon::Exclamation, 1});
         if (answer == Answer::Yes) {
-            routine(ctx, "frmMain.btnUSB_Docs_Click #1",
-                    [&](Routine& restore) { restoreThumbdrive(ctx, restore, true); });
+            routine(ctx, "frmMain.btnUSB_Docs_Click #1", [&](Routine& restore) {
+                TransferReport report;
+                restoreThumbdrive(ctx, restore, report, true);
+            });
             afterTransfer(ctx);
         } else {
             r.step("Remove " + pathToUtf8(note), [&] { std::filesystem::remove(note); });

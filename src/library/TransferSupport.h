@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,6 +36,12 @@ class TransferCopy {
                  bool percent = true)
         : ctx_(ctx), r_(r), report_(report), verb_(std::move(verb)), percent_(percent) {}
 
+    // A pulled stick ends the run (StickRemoved) instead of failing file after file.
+    TransferCopy& stopWhenStickRemoved() {
+        stickAware_ = true;
+        return *this;
+    }
+
     void run(const std::filesystem::path& from, const std::vector<std::string>& files,
              FolderNames& to, const NameChooser& choose);
 
@@ -47,10 +54,20 @@ class TransferCopy {
     TransferReport& report_;
     std::string verb_;
     bool percent_;
+    bool stickAware_ = false;
 };
+
+// A folder's files by size, subfolders included, for finding a file's bytes in it.
+using FilesBySize = std::multimap<std::uintmax_t, std::filesystem::path>;
+FilesBySize filesBySize(const std::filesystem::path& folder);
+// True when a file of `sizes` holds the bytes of `file`.
+bool heldIn(const FilesBySize& sizes, const std::filesystem::path& file);
 
 // The plain files of the stick's TAVRIN folder that match `patterns`, in list order.
 std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string& patterns = "*.*");
+// All of them, for a command that must not take a failed listing for an empty stick:
+// false when the user went on without it; throws StickRemoved for a pulled stick.
+bool listStickFiles(Context& ctx, Routine& r, std::vector<std::string>& files);
 
 // The name "&Add ALL to Computer" gives a stick file in the library: a preset or recording
 // its readable name and own extension, anything else its own name; " (n)" before the
@@ -69,7 +86,16 @@ void afterTransfer(Context& ctx);
 // The paragraph separator of the transfer messages.
 inline const std::string kParagraph = "\r\r";
 
-TransferReport updateComputer(Context& ctx, Routine& r);
-TransferReport restoreThumbdrive(Context& ctx, Routine& r, bool confirmed);
+// Update and restore fill `report` as they go, so an Abort still leaves what was done.
+void updateComputer(Context& ctx, Routine& r, TransferReport& report, bool dryRun = false);
+void restoreThumbdrive(Context& ctx, Routine& r, TransferReport& report, bool confirmed,
+                       bool dryRun = false);
+
+// "Update: 10 copied, 780 unchanged, 2 to the recycle bin", for status panel 2.
+std::string updateSummary(const TransferReport& report);
+
+// The note at the stick's root that says a restore is under way.
+std::filesystem::path restoreNote(const Context& ctx);
+bool restoreUnfinished(const Context& ctx);
 
 }  // namespace tvk
