@@ -20,6 +20,8 @@ int runTransfer(std::vector<std::string>& args, ConsoleInteraction& ui, int inde
                     "image)\n";
         return 1;
     }
+    // Only the restore writes to the stick; the others copy from it.
+    if (!drives.lockStick(index == 1 ? StickUse::Write : StickUse::Read)) return 1;
     const TransferReport report = btnUSB_Docs_Click(ctx, index);
     auto& out = ui.out();
     for (const auto& name : report.removed) out << "removed: " << name << "\n";

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "drive/StickLock.h"
 #include "drive/VolumeProbe.h"
 
 namespace tvk {
@@ -20,6 +21,12 @@ struct ImageDrive {
     std::string loopDevice;          // exFAT as root goes through a loop device
     VolumeProbe probe;               // as read when last mounted
     bool mounted = false;
+    // Held from attach to the end: two FUSE drivers on one image corrupt it, and even a
+    // mount alone writes to it.
+    StickLock lock;
+    // Files an earlier run left half written in place (MountRules), removed at the
+    // last mount; names below the mount point.
+    std::vector<std::string> unfinishedRemoved;
 };
 
 class ImageDrives {
@@ -29,7 +36,8 @@ class ImageDrives {
     ImageDrives(const ImageDrives&) = delete;
     ImageDrives& operator=(const ImageDrives&) = delete;
 
-    // Mounts the image; throws RuntimeError with a readable detail when it cannot.
+    // Mounts the image; throws RuntimeError with a readable detail when it cannot, and
+    // StickBusy when another process has it attached.
     ImageDrive& attach(const std::filesystem::path& image);
     ImageDrive* find(const std::string& id);
     std::vector<std::unique_ptr<ImageDrive>>& all() { return drives_; }
@@ -44,6 +52,7 @@ class ImageDrives {
     static void cleanStale(const std::filesystem::path& runtimeFolder);
 
   private:
+    void followFusefatRules(ImageDrive& drive);
     std::filesystem::path folder_;
     std::vector<std::unique_ptr<ImageDrive>> drives_;
     int counter_ = 0;

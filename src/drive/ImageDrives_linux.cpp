@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "app/FileTimes.h"
+#include "app/MountRules.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "drive/MountInfo.h"
@@ -119,6 +120,9 @@ ImageDrive& ImageDrives::attach(const fs::path& image) {
     for (const auto& other : drives_)
         if (other->image == d->image)
             throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(image) + " is attached already");
+    auto lock = StickLock::tryTake(imageLockKey(d->image), StickUse::Write);
+    if (!lock) throw StickBusy(pathToUtf8(image) + " is in use by another command of this program");
+    d->lock = std::move(*lock);
     ++counter_;
     d->id = "image" + std::to_string(counter_);
     const std::string stem = std::to_string(getpid()) + "-" + std::to_string(counter_);
@@ -172,8 +176,39 @@ std::string ImageDrives::mount(ImageDrive& d) {
         return command[0] + " could not mount it: " + trimWhitespace(r.output);
     }
     d.mounted = true;
-    if (probe->fatBits != 0) markMonthOneTooHigh(d.mountDir);
+    if (probe->fatBits != 0) {
+        markMonthOneTooHigh(d.mountDir);
+        followFusefatRules(d);
+    }
     return {};
+}
+
+// fusefat stores only ASCII names, and on FAT12 and FAT16 its renames corrupt the
+// volume (entries duplicated, clusters shared), so new files are written there under
+// their own names. A write that never finished (the program killed, the image pulled)
+// is known by its note, and its file is removed at the next mount: its source is still
+// where it was.
+void ImageDrives::followFusefatRules(ImageDrive& d) {
+    MountRules rules;
+    rules.asciiNamesOnly = true;
+    rules.writeInPlace = d.probe.fatBits != 32;
+    rules.notePrefix = pathToUtf8(d.image) + "\n";
+    rules.writingNote = fs::path(d.mountDir).concat(".writing");
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(folder_, ec)) {
+        if (entry.path().extension() != ".writing") continue;
+        const std::string note = readTextFile(entry.path());
+        const auto nl = note.find('\n');
+        if (nl == std::string::npos || note.substr(0, nl) != pathToUtf8(d.image)) continue;
+        // The image is this process's alone (its lock), so any note for it is an old one.
+        std::string below = note.substr(nl + 1);
+        if (!below.empty() && below.back() == '\n') below.pop_back();
+        std::error_code rec;
+        if (!below.empty() && fs::remove(d.mountDir / pathFromUtf8(below), rec))
+            d.unfinishedRemoved.push_back(below);
+        if (!rec) fs::remove(entry.path(), rec);
+    }
+    setMountRules(d.mountDir, std::move(rules));
 }
 
 std::string ImageDrives::unmount(ImageDrive& d) {
@@ -182,6 +217,7 @@ std::string ImageDrives::unmount(ImageDrive& d) {
     if (!problem.empty()) return problem;
     d.mounted = false;
     forgetMonthOneTooHigh(d.mountDir);
+    forgetMountRules(d.mountDir);
     waitUntilReleased(d.image);
     detachLoop(d.loopDevice);
     d.loopDevice.clear();

@@ -159,6 +159,10 @@ class LinuxVolumes : public Volumes {
         return v ? v->mount.source : std::string();
     }
 
+    bool heldWhileAttached(const std::string& drive) override {
+        return images_.find(drive) != nullptr;
+    }
+
     std::vector<std::string> systemEntries(const std::string& drive) override {
         if (auto* d = images_.find(drive)) return imageSystemEntries(d->probe);
         const auto v = system_ ? systemVolume(drive) : std::nullopt;
