@@ -9,7 +9,6 @@
 #include "app/Text.h"
 #include "library/CopyNames.h"
 #include "organfiles/AnalyzeContent.h"
-#include "organfiles/OrganFile.h"
 
 namespace tvk {
 
@@ -201,10 +200,6 @@ class CopyRun {
             return sameName(name);
         const auto family = seriesFromLetter(info.seriesLetter);
         if (!family) return {};
-        if (isDamagedOrganFile(req_.source / pathFromUtf8(name))) {
-            r_.detail("Damaged (shorter than its header), not numbered: " + name);
-            return {};
-        }
         const bool song = info.kind == FileKind::Recording;
         return named(freeOrganNumberName(names_, organPrefix(*family, song), counter_,
                                          organNumberWidth(*family), stickExtension(*family, song)));
