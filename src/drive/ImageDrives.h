@@ -58,7 +58,10 @@ class ImageDrives {
     int counter_ = 0;
 };
 
-// $XDG_RUNTIME_DIR/tavrin-file-manager/drives, else a per-user folder in /tmp.
+// $XDG_RUNTIME_DIR/tavrin-file-manager, else a per-user folder in /tmp: what the
+// program's runs share while the machine is up (mounts, stick locks).
+std::filesystem::path programRuntimeFolder();
+// Its "drives" folder.
 std::filesystem::path imageMountFolder();
 
 }  // namespace tvk

@@ -85,13 +85,16 @@ std::string unmountDir(const fs::path& dir) {
 
 }  // namespace
 
-fs::path imageMountFolder() {
+fs::path programRuntimeFolder() {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     std::error_code ec;
     if (runtime && *runtime && fs::is_directory(runtime, ec))
-        return fs::path(runtime) / "tavrin-file-manager" / "drives";
-    return fs::temp_directory_path() / ("tavrin-file-manager-" + std::to_string(getuid())) /
-           "drives";
+        return fs::path(runtime) / "tavrin-file-manager";
+    return fs::temp_directory_path() / ("tavrin-file-manager-" + std::to_string(getuid()));
+}
+
+fs::path imageMountFolder() {
+    return programRuntimeFolder() / "drives";
 }
 
 ImageDrives::ImageDrives(fs::path runtimeFolder) : folder_(std::move(runtimeFolder)) {}

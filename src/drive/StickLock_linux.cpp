@@ -6,17 +6,13 @@
 
 #include "app/RuntimeError.h"
 #include "app/Text.h"
+#include "drive/ImageDrives.h"
 #include "drive/StickLock.h"
 
 namespace tvk {
 
 std::filesystem::path stickLockFolder() {
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    std::error_code ec;
-    if (runtime && *runtime && std::filesystem::is_directory(runtime, ec))
-        return std::filesystem::path(runtime) / "tavrin-file-manager" / "locks";
-    return std::filesystem::temp_directory_path() /
-           ("tavrin-file-manager-" + std::to_string(getuid())) / "locks";
+    return programRuntimeFolder() / "locks";
 }
 
 std::optional<StickLock> StickLock::tryTake(const std::string& key, StickUse use) {
