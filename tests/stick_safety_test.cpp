@@ -10,7 +10,9 @@
 #include <set>
 
 #include "app/Text.h"
+#include "drive/StickLock.h"
 #include "support/DriveImages.h"
+#include "support/FakeVolumes.h"
 #include "support/OrganBytes.h"
 
 namespace tvk {
@@ -279,6 +281,46 @@ TEST(StickSafety, WritingToAStickNeverDamagesIt) {
             EXPECT_TRUE(s.fsckClean(&report)) << report;
         }
     }
+}
+
+// A real stick's lock, keyed by its serial number: readers share it, a writer has it
+// alone, and one that cannot get it hears why and gets nothing.
+struct StickLockTest : test::SessionTest {
+    test::FakeVolumes volumes;
+    StickLockTest() {
+        volumes.letters["E"].info.serialNumber = 0x5EA1F00D;
+        ctx.volumes = &volumes;
+        ctx.state.drive.letter = "E";
+        ctx.state.drive.serialHex = "5EA1F00D";
+    }
+};
+
+TEST_F(StickLockTest, SharedForReadersAloneForAWriter) {
+    const struct {
+        StickUse held, wanted;
+        bool busy;
+    } cases[] = {
+        {StickUse::Read, StickUse::Read, false},
+        {StickUse::Read, StickUse::Write, true},
+        {StickUse::Write, StickUse::Read, true},
+        {StickUse::Write, StickUse::Write, true},
+    };
+    for (const auto& c : cases) {
+        // Another process's lock: flock and LockFileEx keep apart two handles of one
+        // process just as they keep apart two processes.
+        auto other = StickLock::tryTake("volume-5EA1F00D", c.held);
+        ASSERT_TRUE(other);
+        if (c.busy) ui.expect("THUMBDRIVE BUSY");
+        EXPECT_EQ(lockStick(ctx, c.wanted).has_value(), !c.busy);
+        EXPECT_TRUE(ui.done());
+        other.reset();
+        EXPECT_TRUE(lockStick(ctx, c.wanted).has_value()) << "released with its holder";
+    }
+    ASSERT_EQ(ui.shown.size(), 3u);
+    EXPECT_EQ(ui.shown[0].text,
+              "The thumbdrive is busy with another command of this program.\r\r"
+              "Nothing was changed. Try again when it has finished.");
+    EXPECT_EQ(ui.shown[0].icon, Icon::Exclamation);
 }
 
 }  // namespace
