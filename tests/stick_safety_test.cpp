@@ -83,8 +83,10 @@ struct Scenario {
     // `script` is run by sh in the library folder, with $TVK the console tool on the
     // stick (the user's home only), $IMG the image and $DRIVES where tvk mounts images.
     int run(const std::string& script) {
-        const std::string tvk = std::string("env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME='") +
-                                pathToUtf8(home.root()) + "' " + TVK_CLI_PATH;
+        // Split by the shell where $TVK is used, so no quotes: the test tree's path has
+        // no spaces.
+        const std::string tvk = std::string("env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=") +
+                                pathToUtf8(home.root()) + " " + TVK_CLI_PATH;
         return test::runCommand(
             "cd '" + pathToUtf8(lib) + "' && TVK=\"" + tvk + "\" IMG='" + pathToUtf8(image) +
                 "' DRIVES=/tmp/tavrin-file-manager-$(id -u)/drives sh -c '" + script + "' 2>&1",
@@ -110,6 +112,7 @@ struct Row {
     bool stickUnchanged;                       // every file as before the script
     std::map<std::string, std::string> after;  // stick file -> the inside name it holds
     bool fsckClean;
+    std::vector<std::string> mirror = {};  // the stick's mirror folder afterwards, when given
 };
 
 // SUPSET01.LPG's cluster chain made to run into SUPSET02.LPG's last cluster, as a damaged
@@ -241,6 +244,21 @@ TEST(StickSafety, WritingToAStickNeverDamagesIt) {
          true,
          {},
          true},
+        {"inside names Windows cannot open are copied under safe names",
+         fat16,
+         {{"SUPSET01.LPG", "CON"},
+          {"SUPSET02.LPG", "AUX"},
+          {"SUPSET03.LPG", "NUL.txt."},
+          {"SUPSET04.LPG", std::string("a\0b", 3)}},
+         0,
+         {},
+         "$TVK add-all --drive-image \"$IMG\" </dev/null",
+         {"4 copied, 0 removed, 0 failed"},
+         {},
+         true,
+         {},
+         true,
+         {"AUX_.LPG", "CON_.LPG", "NUL_.txt.LPG", "a_b.LPG"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -275,6 +293,12 @@ TEST(StickSafety, WritingToAStickNeverDamagesIt) {
         for (const auto& [name, d] : libraryBefore) {
             const auto now = libraryAfter.find(name);
             EXPECT_TRUE(now != libraryAfter.end() && now->second == d) << name << " changed";
+        }
+        if (!row.mirror.empty()) {
+            std::vector<std::string> names;
+            for (const auto& [name, d] : folderDigests(s.lib / "ORGAN - 1234ABCD"))
+                names.push_back(name);
+            EXPECT_EQ(names, row.mirror) << s.out;
         }
         std::string report;
         if (row.fsckClean) {
