@@ -149,8 +149,9 @@ bool checkDrive(Context& ctx, Routine& r, ScanOutcome& rescanned) {
 }
 
 // A copy's temporary file is incomplete by definition (a complete one is renamed at
-// once) and its source is still where it was, so one left by a stopped command goes. The
-// sort's temporary names are its journal's; the caller keeps them while one is open.
+// once) and its source is still where it was, so one left by a stopped command goes, as
+// went those the drive layer found half written under their own names. The sort's
+// temporary names are its journal's; the caller keeps them while one is open.
 void removeStrayTemporaries(Context& ctx, Routine& r) {
     const auto folder = ctx.state.drive.tavrinFolder();
     std::vector<std::filesystem::path> stray;
@@ -160,6 +161,10 @@ void removeStrayTemporaries(Context& ctx, Routine& r) {
             if (isTemporaryName(fileNameUtf8(entry.path()))) stray.push_back(entry.path());
     });
     int removed = 0;
+    for (const auto& name : ctx.volumes->takeUnfinishedRemoved(ctx.state.drive.letter)) {
+        r.detail("Removed the unfinished copy " + name);
+        ++removed;
+    }
     for (const auto& file : stray) {
         if (r.step("Remove the unfinished copy " + pathToUtf8(file),
                    [&] { std::filesystem::remove(file); }))

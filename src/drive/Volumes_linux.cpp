@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <utility>
 
 #include "app/RuntimeError.h"
 #include "app/Text.h"
@@ -161,6 +162,11 @@ class LinuxVolumes : public Volumes {
 
     bool heldWhileAttached(const std::string& drive) override {
         return images_.find(drive) != nullptr;
+    }
+
+    std::vector<std::string> takeUnfinishedRemoved(const std::string& drive) override {
+        auto* d = images_.find(drive);
+        return d ? std::exchange(d->unfinishedRemoved, {}) : std::vector<std::string>{};
     }
 
     std::vector<std::string> systemEntries(const std::string& drive) override {
