@@ -94,9 +94,9 @@ struct Scenario {
     }
 };
 
-// Starts a tvk command in the background, waits until it has a file matching $1 on the
-// stick's mount (the image's FUSE driver is still serving it), then kills it.
-const std::string kKillWhenWriting =
+// `wait_for PATTERN`: waits until the tvk started in the background as $pid has a file
+// matching PATTERN on the stick's mount.
+const std::string kWaitFor =
     "wait_for() { for i in $(seq 400); do for f in $DRIVES/$pid-1/TAVRIN/$1; do "
     "[ -e \"$f\" ] && return 0; done; sleep 0.02; done; return 1; }; ";
 
@@ -117,7 +117,7 @@ struct Row {
 // A copy of a 24 MB file onto the stick, killed while `pattern` is being written, then
 // the next scan.
 std::string killedCopy(const std::string& pattern) {
-    return kKillWhenWriting +
+    return kWaitFor +
            "$TVK copy Big STICK --drive-image \"$IMG\" </dev/null & pid=$!; "
            "wait_for \"" +
            pattern +
@@ -180,8 +180,9 @@ TEST(StickSafety, WritingToAStickNeverDamagesIt) {
          "$TVK update --yes --drive-image \"$IMG\"", "failed: SUPSET01.LPG (error 57)",
          true, {}, false},
         {"a copy and a sort started together: one waits with THUMBDRIVE BUSY", fat16, two, 60, {},
-         "$TVK copy --mode RIGHT Source STICK --drive-image \"$IMG\" </dev/null > copy.txt & "
-         "sleep 0.3; $TVK sort --yes --drive-image \"$IMG\"; wait; cat copy.txt",
+         kWaitFor + "$TVK copy --mode RIGHT Source STICK --drive-image \"$IMG\" </dev/null "
+         "> copy.txt & pid=$!; wait_for SUPSET03.LPG; $TVK sort --yes --drive-image \"$IMG\"; "
+         "wait; cat copy.txt",
          busy, false, {}, true},
         {"a copy killed on FAT32 leaves a temporary file the next scan removes", fat32, two, 0,
          bigFile, killedCopy(".tvk-*.part"), cleaned, true, {}, true},
