@@ -125,6 +125,24 @@ TEST_F(OrganNamesCtx, CheckNameSwapsTheNineCharacters) {
     EXPECT_TRUE(ui.shown.empty());
 }
 
+TEST(OrganNames, WindowsSafeNameAfterCheckName) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"CON", "CON_"},
+        {"aux", "aux_"},
+        {"NUL.txt.", "NUL_.txt"},
+        {"Com7.old", "Com7_.old"},
+        {"LPT9 .x", "LPT9_ .x"},
+        {"COM0", "COM0"},        // no such device
+        {"CONSOLE", "CONSOLE"},  // only the whole stem is a device
+        {"My CON", "My CON"},
+        {std::string("a\0b\1c", 5), "a_b_c"},
+        {"Piano. . ", "Piano"},
+        {" . ", ""},
+        {"Grand Piano", "Grand Piano"},
+    };
+    for (const auto& [in, out] : cases) EXPECT_EQ(windowsSafeName(in), out) << in;
+}
+
 struct OrganAnalyzeContent : test::SessionTest {
     OrganAnalyzeContent() { ctx.state.drive.fileSystem = "FAT32"; }
 };

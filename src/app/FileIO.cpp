@@ -8,6 +8,7 @@
 
 #include "app/FileHandles.h"
 #include "app/FileTimes.h"
+#include "app/MountRules.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 
@@ -39,6 +40,11 @@ std::string readFilling(std::size_t count, ReadSome readSome) {
     return bytes;
 }
 
+RuntimeError shortRead(const std::filesystem::path& file, std::uintmax_t got, std::uintmax_t size) {
+    return RuntimeError(kErrDeviceIO, pathToUtf8(file) + ": read " + std::to_string(got) +
+                                          " of its " + std::to_string(size) + " bytes");
+}
+
 // Up to `count` bytes from where `in` stands: fewer only at the end of the file.
 std::string readUpTo(detail::InputFile& in, std::size_t count) {
     return readFilling(
@@ -64,13 +70,56 @@ void throughTemporary(const std::filesystem::path& file, Write write, Publish pu
     }
 }
 
+// Writes a new file under its own name on a mount that cannot rename safely (MountRules).
+// The mount's note names the file until it is complete, so that a stop half way (a pulled
+// stick, a killed program) leaves a file the next mount knows to remove.
+template <typename Write>
+void writeInPlace(const std::filesystem::path& file, const AppliedRules& mount, Write write) {
+    const MountRules& rules = mount.rules;
+    const auto below = file.lexically_normal().lexically_relative(mount.mountDir);
+    writeFileReplacing(rules.writingNote, rules.notePrefix + pathToUtf8(below) + "\n");
+    std::optional<detail::OutputFile> out;
+    try {
+        out.emplace(file);
+    } catch (...) {
+        removeQuietly(rules.writingNote);  // nothing was made
+        throw;
+    }
+    try {
+        write(*out);
+        out->close();
+        out.reset();
+    } catch (...) {
+        out.reset();
+        std::error_code ec;
+        std::filesystem::remove(file, ec);
+        if (!ec) removeQuietly(rules.writingNote);  // else the next mount takes it away
+        throw;
+    }
+    removeQuietly(rules.writingNote);
+}
+
+// A new file, through a temporary name and a rename that refuses to replace, or in place
+// where the mount asks for that.
+template <typename Write>
+void writeNew(const std::filesystem::path& file, Write write) {
+    checkNameStorable(file);
+    if (const auto mount = mountRulesFor(file); mount && mount->rules.writeInPlace)
+        return writeInPlace(file, *mount, write);
+    throughTemporary(file, write, [&](const std::filesystem::path& temp) {
+        detail::renameExclusive(temp, file);
+    });
+}
+
 }  // namespace
 
 std::string readWholeFile(const std::filesystem::path& file, std::uintmax_t limit) {
     detail::InputFile in(file);
     const std::uintmax_t size = in.size();
     if (size > limit) throw RuntimeError(kErrOutOfMemory, pathToUtf8(file));
-    return readUpTo(in, static_cast<std::size_t>(size));  // less when it shrank meanwhile
+    std::string bytes = readUpTo(in, static_cast<std::size_t>(size));
+    if (bytes.size() != size) throw shortRead(file, bytes.size(), size);
+    return bytes;
 }
 
 std::string readTextFileOrEmpty(const std::filesystem::path& file, std::size_t limit) {
@@ -111,6 +160,7 @@ void settleEntryTime(const std::filesystem::path& file, FileTime wanted) {
 }  // namespace
 
 void writeFileReplacing(const std::filesystem::path& file, std::string_view bytes) {
+    checkNameStorable(file);
     throughTemporary(
         file,
         [&](detail::OutputFile& out) {
@@ -125,13 +175,10 @@ void writeNewFile(const std::filesystem::path& file, std::string_view bytes) {
     std::error_code ec;
     if (std::filesystem::exists(std::filesystem::symlink_status(file, ec)))
         throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(file));
-    throughTemporary(
-        file,
-        [&](detail::OutputFile& out) {
-            out.write(bytes.data(), bytes.size());
-            out.flushToDisk();
-        },
-        [&](const std::filesystem::path& temp) { detail::renameExclusive(temp, file); });
+    writeNew(file, [&](detail::OutputFile& out) {
+        out.write(bytes.data(), bytes.size());
+        out.flushToDisk();
+    });
     settleEntryTime(file, std::chrono::system_clock::now());
 }
 
@@ -149,31 +196,36 @@ void copyOpened(detail::InputFile& in, const std::filesystem::path& source, std:
     // asking for it by name costs a FUSE stick a scan of its folder.
     std::optional<FileTime> written;
     if (monthOneTooHigh(destination)) written = modificationTime(source);
-    throughTemporary(
-        destination,
-        [&](detail::OutputFile& out) {
-            std::uintmax_t done = head.size();
-            if (!head.empty()) {
-                out.write(head.data(), head.size());
-                if (progress) progress(done, total);
-            }
-            std::vector<char> buffer(static_cast<std::size_t>(
-                std::min<std::uintmax_t>(std::max<std::uintmax_t>(total, 1), kCopyChunk)));
-            for (;;) {
-                const std::size_t n = in.read(buffer.data(), buffer.size());
-                if (n == 0) break;
-                out.write(buffer.data(), n);
-                done += n;
-                if (progress) progress(done, total);
-            }
-            out.copyTimesFrom(in);
-        },
-        [&](const std::filesystem::path& temp) {
-            if (replace)
-                detail::renameReplacing(temp, destination);
-            else
-                detail::renameExclusive(temp, destination);
+    const auto write = [&](detail::OutputFile& out) {
+        std::uintmax_t done = head.size();
+        if (!head.empty()) {
+            out.write(head.data(), head.size());
+            if (progress) progress(done, total);
+        }
+        std::vector<char> buffer(static_cast<std::size_t>(
+            std::min<std::uintmax_t>(std::max<std::uintmax_t>(total, 1), kCopyChunk)));
+        // Exactly the size the file was opened with: a damaged stick (a cut or
+        // cross-linked cluster chain) ends a file early without any error of its own,
+        // and a copy that took that for the whole file would replace good ones.
+        while (done < total) {
+            const auto wanted =
+                static_cast<std::size_t>(std::min<std::uintmax_t>(buffer.size(), total - done));
+            const std::size_t n = in.read(buffer.data(), wanted);
+            if (n == 0) throw shortRead(source, done, total);
+            out.write(buffer.data(), n);
+            done += n;
+            if (progress) progress(done, total);
+        }
+        out.copyTimesFrom(in);
+    };
+    if (replace) {
+        checkNameStorable(destination);
+        throughTemporary(destination, write, [&](const std::filesystem::path& temp) {
+            detail::renameReplacing(temp, destination);
         });
+    } else {
+        writeNew(destination, write);
+    }
     if (written) settleEntryTime(destination, *written);
 }
 
@@ -243,6 +295,7 @@ MirroredFile copyFileMirrored(const std::filesystem::path& source,
 }
 
 void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to) {
+    checkNameStorable(to);
     detail::renameExclusive(from, to);
 }
 
@@ -253,6 +306,7 @@ FolderRenamer::FolderRenamer(std::filesystem::path folder, const std::vector<std
 
 void FolderRenamer::rename(const std::string& from, const std::string& to) {
     const auto source = folder_ / pathFromUtf8(from), target = folder_ / pathFromUtf8(to);
+    checkNameStorable(target);
     const std::string upperFrom = utf8ToUpper(from), upperTo = utf8ToUpper(to);
     if (upperTo != upperFrom && taken_.count(upperTo))
         throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(target));

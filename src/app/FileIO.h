@@ -21,7 +21,8 @@ class InputFile;
 }
 
 // The whole file. A file larger than `limit` bytes is refused as out of memory (7),
-// so a size read from outside never drives an allocation on its own.
+// so a size read from outside never drives an allocation on its own; one that yields
+// fewer bytes than its size is a device I/O error (57).
 std::string readWholeFile(const std::filesystem::path& file,
                           std::uintmax_t limit = std::uintmax_t(1) << 31);
 
@@ -65,8 +66,9 @@ using CopyProgress = std::function<void(std::uintmax_t done, std::uintmax_t tota
 
 // Copies `source` to `destination` through a temporary name in the destination's folder
 // and renames it into place when complete; the modification time is kept. Refuses (58)
-// when `destination` exists, and never replaces it. On any failure the temporary file is
-// removed (as far as the destination still lets it) and the error is thrown.
+// when `destination` exists, and never replaces it. Exactly the source's size is copied:
+// a source that ends early is a device I/O error (57). On any failure the temporary file
+// is removed (as far as the destination still lets it) and the error is thrown.
 void copyFileSafely(const std::filesystem::path& source, const std::filesystem::path& destination,
                     const CopyProgress& progress = {});
 

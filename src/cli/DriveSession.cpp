@@ -29,6 +29,11 @@ DriveSession::DriveSession(std::vector<std::string>& args, ConsoleInteraction& u
     if (FileExists(ctx, ctx.paths.settingsFile())) ReadIniFile(ctx);
 }
 
+bool DriveSession::lockStick(StickUse use) {
+    stickLock = tvk::lockStick(ctx, use);
+    return stickLock.has_value();
+}
+
 namespace {
 
 bool findFirstDrive(Context& ctx) {

@@ -11,6 +11,7 @@
 
 #include "app/Session.h"
 #include "cli/ConsoleInteraction.h"
+#include "drive/StickLock.h"
 
 namespace tvk::cli {
 
@@ -21,8 +22,14 @@ struct DriveSession {
     // them; without a settings file the defaults hold.
     DriveSession(std::vector<std::string>& args, ConsoleInteraction& ui);
 
+    // Takes the lock of the drive the command works on (selected before): false, after
+    // "THUMBDRIVE BUSY", when another command of the program holds it. Kept until the
+    // session ends.
+    bool lockStick(StickUse use);
+
     Session session;
     Context ctx;
+    std::optional<StickLock> stickLock;
 };
 
 // Fills the thumbdrive state with the first removable drive without the scan's

@@ -42,6 +42,10 @@ int runTransfer(std::vector<std::string>& args, ConsoleInteraction& ui, int inde
                     "image)\n";
         return 1;
     }
+    // The restore writes to the stick, and so may an update that finishes an unfinished
+    // restore first; the others, and the dry runs, only read it.
+    const bool writes = index <= 1 && !dryRun;
+    if (!drives.lockStick(writes ? StickUse::Write : StickUse::Read)) return 1;
     const TransferReport report = btnUSB_Docs_Click(ctx, index, dryRun);
     auto& out = ui.out();
     if (dryRun) {

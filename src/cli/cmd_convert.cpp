@@ -16,7 +16,7 @@ int runConvert(std::vector<std::string>& args, ConsoleInteraction& ui) {
         return 2;
     }
     const auto folder = folderArgument(drives.ctx, ui, args[0]);
-    if (!folder) return 1;
+    if (!folder || !drives.lockStick(StickUse::Write)) return 1;
     const ConvertReport report =
         mnuFileConvert_Click(drives.ctx, {ListControl::flbDocs, *folder, listPlainFiles(*folder)});
     for (const auto& [from, to] : report.renamed) ui.out() << from << " -> " << to << "\n";

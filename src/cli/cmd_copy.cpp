@@ -50,6 +50,8 @@ int runCopy(std::vector<std::string>& args, ConsoleInteraction& ui) {
     std::vector<std::string> names(args.begin() + 2, args.end());
     if (names.empty()) names = listPlainFiles(*source);
 
+    if (!drives.lockStick(isOnStick(*destination, stick) ? StickUse::Write : StickUse::Read))
+        return 1;
     const CopyMode mode = named ? *named : folderCopyMode(*source, *destination, stick);
     // The list a drop lands in: a list's name copies only there.
     ctx.state.activeList =

@@ -21,7 +21,7 @@ int runDelete(std::vector<std::string>& args, ConsoleInteraction& ui) {
     }
     Context& ctx = drives.ctx;
     const auto folder = folderArgument(ctx, ui, args[1]);
-    if (!folder) return 1;
+    if (!folder || !drives.lockStick(StickUse::Write)) return 1;
     ListSelection selection{list, *folder, {}};
     if (!tree) {
         // Selecting the names fills the selected-file table as a click does.

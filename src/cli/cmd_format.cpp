@@ -18,7 +18,7 @@ int runFormat(std::vector<std::string>& args, ConsoleInteraction& ui) {
         return 2;
     }
     Context& ctx = drives.ctx;
-    if (!selectFirstDrive(ctx, ui)) return 1;
+    if (!selectFirstDrive(ctx, ui) || !drives.lockStick(StickUse::Write)) return 1;
     mnuFileFormat_Click(ctx);
     const ThumbDriveState& d = ctx.state.drive;
     ui.out() << "File system: " << d.fileSystem << "\n" << driveStatusText(d) << "\n";

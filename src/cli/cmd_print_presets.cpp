@@ -17,7 +17,7 @@ int runPrintPresets(std::vector<std::string>& args, ConsoleInteraction& ui) {
         return 2;
     }
     const auto folder = folderArgument(drives.ctx, ui, args[0]);
-    if (!folder) return 1;
+    if (!folder || !drives.lockStick(StickUse::Read)) return 1;
     const auto written = mnuFilePrint_Click(drives.ctx, listPlainFiles(*folder));
     if (written) ui.out() << pathToUtf8(*written) << "\n";
     return written ? 0 : 1;

@@ -17,7 +17,7 @@ int runRename(std::vector<std::string>& args, ConsoleInteraction& ui) {
         return 2;
     }
     const auto folder = folderArgument(drives.ctx, ui, args[1]);
-    if (!folder) return 1;
+    if (!folder || !drives.lockStick(StickUse::Write)) return 1;
     const RenameReport report = mnuFileRename_Click(drives.ctx, {list, *folder, args[2]});
     if (report.renamed) ui.out() << report.newName << "\n";
     return report.renamed ? 0 : 1;

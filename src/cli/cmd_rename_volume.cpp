@@ -18,7 +18,7 @@ int runRenameVolume(std::vector<std::string>& args, ConsoleInteraction& ui) {
         return 2;
     }
     Context& ctx = drives.ctx;
-    if (!selectFirstDrive(ctx, ui)) return 1;
+    if (!selectFirstDrive(ctx, ui) || !drives.lockStick(StickUse::Write)) return 1;
     ui.promptAnswers.push_back(args[0]);
     btnRenameVol_Click(ctx);
     const ThumbDriveState& d = ctx.state.drive;

@@ -43,7 +43,7 @@ int runSearch(std::vector<std::string>& args, ConsoleInteraction& ui) {
     if (inFolder) {
         request.folder = pathFromUtf8(folder);
     } else {
-        if (!selectFirstDrive(ctx, ui)) return 1;
+        if (!selectFirstDrive(ctx, ui) || !drives->lockStick(StickUse::Read)) return 1;
         request.folder = ctx.state.drive.tavrinFolder();
     }
     const SearchReport report = btnSearch_Click(ctx, request);

@@ -20,7 +20,7 @@ int runSort(std::vector<std::string>& args, ConsoleInteraction& ui) {
         return 2;
     }
     Context& ctx = drives.ctx;
-    if (!selectFirstDrive(ctx, ui)) return 1;
+    if (!selectFirstDrive(ctx, ui) || !drives.lockStick(StickUse::Write)) return 1;
     if (!FolderExists(ctx, ctx.state.drive.tavrinFolder())) {
         ui.err() << "tvk: the thumbdrive has no TAVRIN folder ("
                  << pathToUtf8(ctx.state.drive.tavrinFolder()) << ")\n";

@@ -9,6 +9,7 @@
 #include "cli/CliCommand.h"
 #include "cli/Console.h"
 #include "cli/ConsoleInteraction.h"
+#include "drive/StickLock.h"
 
 namespace {
 
@@ -49,6 +50,10 @@ int main(int argc, char** argv) {
             return command.run(args, ui);
         } catch (const tvk::ProgramEnd& end) {
             return end.exitCode;
+        } catch (const tvk::StickBusy&) {
+            // An image another command has attached: nothing was touched.
+            tvk::showStickBusy(ui);
+            return 1;
         } catch (const tvk::UntrappedError& e) {
             tvk::reportUntrappedError(ui, e.error);
             return 1;

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "drive/StickLock.h"
 #include "drive/VolumeProbe.h"
 
 namespace tvk {
@@ -21,6 +22,12 @@ struct ImageDrive {
     VolumeProbe probe;               // as read when last mounted
     bool mounted = false;
     bool readOnly = false;  // the image file cannot be written: mounted for reading only
+    // Held from attach to the end: two FUSE drivers on one image corrupt it, and even a
+    // mount alone writes to it.
+    StickLock lock;
+    // Files an earlier run left half written in place (MountRules), removed at the
+    // last mount; names below the mount point.
+    std::vector<std::string> unfinishedRemoved;
 };
 
 class ImageDrives {
@@ -30,7 +37,8 @@ class ImageDrives {
     ImageDrives(const ImageDrives&) = delete;
     ImageDrives& operator=(const ImageDrives&) = delete;
 
-    // Mounts the image; throws RuntimeError with a readable detail when it cannot.
+    // Mounts the image; throws RuntimeError with a readable detail when it cannot, and
+    // StickBusy when another process has it attached.
     ImageDrive& attach(const std::filesystem::path& image);
     ImageDrive* find(const std::string& id);
     std::vector<std::unique_ptr<ImageDrive>>& all() { return drives_; }
@@ -45,12 +53,16 @@ class ImageDrives {
     static void cleanStale(const std::filesystem::path& runtimeFolder);
 
   private:
+    void followFusefatRules(ImageDrive& drive);
     std::filesystem::path folder_;
     std::vector<std::unique_ptr<ImageDrive>> drives_;
     int counter_ = 0;
 };
 
-// $XDG_RUNTIME_DIR/tavrin-file-manager/drives, else a per-user folder in /tmp.
+// $XDG_RUNTIME_DIR/tavrin-file-manager, else a per-user folder in /tmp: what the
+// program's runs share while the machine is up (mounts, stick locks).
+std::filesystem::path programRuntimeFolder();
+// Its "drives" folder.
 std::filesystem::path imageMountFolder();
 
 }  // namespace tvk

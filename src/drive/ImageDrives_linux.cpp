@@ -13,6 +13,7 @@
 
 #include "app/DiskSpace.h"
 #include "app/FileTimes.h"
+#include "app/MountRules.h"
 #include "app/RuntimeError.h"
 #include "app/Text.h"
 #include "drive/MountInfo.h"
@@ -105,13 +106,16 @@ DiskSpace imageFreeSpace(const fs::path& image, bool readOnly) {
 
 }  // namespace
 
-fs::path imageMountFolder() {
+fs::path programRuntimeFolder() {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     std::error_code ec;
     if (runtime && *runtime && fs::is_directory(runtime, ec))
-        return fs::path(runtime) / "tavrin-file-manager" / "drives";
-    return fs::temp_directory_path() / ("tavrin-file-manager-" + std::to_string(getuid())) /
-           "drives";
+        return fs::path(runtime) / "tavrin-file-manager";
+    return fs::temp_directory_path() / ("tavrin-file-manager-" + std::to_string(getuid()));
+}
+
+fs::path imageMountFolder() {
+    return programRuntimeFolder() / "drives";
 }
 
 ImageDrives::ImageDrives(fs::path runtimeFolder) : folder_(std::move(runtimeFolder)) {}
@@ -140,6 +144,9 @@ ImageDrive& ImageDrives::attach(const fs::path& image) {
     for (const auto& other : drives_)
         if (other->image == d->image)
             throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(image) + " is attached already");
+    auto lock = StickLock::tryTake(imageLockKey(d->image), StickUse::Write);
+    if (!lock) throw StickBusy(pathToUtf8(image) + " is in use by another command of this program");
+    d->lock = std::move(*lock);
     ++counter_;
     d->id = "image" + std::to_string(counter_);
     const std::string stem = std::to_string(getpid()) + "-" + std::to_string(counter_);
@@ -204,8 +211,37 @@ std::string ImageDrives::mount(ImageDrive& d) {
         markMonthOneTooHigh(d.mountDir);
         countSpaceWith(d.mountDir,
                        [image = d.image, ro = d.readOnly] { return imageFreeSpace(image, ro); });
+        followFusefatRules(d);
     }
     return {};
+}
+
+// fusefat stores only ASCII names, and on FAT12 and FAT16 its renames corrupt the
+// volume (entries duplicated, clusters shared), so new files are written there under
+// their own names. A write that never finished (the program killed, the image pulled)
+// is known by its note, and its file is removed at the next mount: its source is still
+// where it was.
+void ImageDrives::followFusefatRules(ImageDrive& d) {
+    MountRules rules;
+    rules.asciiNamesOnly = true;
+    rules.writeInPlace = d.probe.fatBits != 32;
+    rules.notePrefix = pathToUtf8(d.image) + "\n";
+    rules.writingNote = fs::path(d.mountDir).concat(".writing");
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(folder_, ec)) {
+        if (entry.path().extension() != ".writing") continue;
+        const std::string note = readTextFile(entry.path());
+        const auto nl = note.find('\n');
+        if (nl == std::string::npos || note.substr(0, nl) != pathToUtf8(d.image)) continue;
+        // The image is this process's alone (its lock), so any note for it is an old one.
+        std::string below = note.substr(nl + 1);
+        if (!below.empty() && below.back() == '\n') below.pop_back();
+        std::error_code rec;
+        if (!below.empty() && fs::remove(d.mountDir / pathFromUtf8(below), rec))
+            d.unfinishedRemoved.push_back(below);
+        if (!rec) fs::remove(entry.path(), rec);
+    }
+    setMountRules(d.mountDir, std::move(rules));
 }
 
 std::string ImageDrives::unmount(ImageDrive& d) {
@@ -215,6 +251,7 @@ std::string ImageDrives::unmount(ImageDrive& d) {
     d.mounted = false;
     forgetMonthOneTooHigh(d.mountDir);
     forgetSpaceCounter(d.mountDir);
+    forgetMountRules(d.mountDir);
     waitUntilReleased(d.image);
     detachLoop(d.loopDevice);
     d.loopDevice.clear();

@@ -1,10 +1,12 @@
 #include "drive/ScanForUSBs.h"
 
 #include "app/CommonRoutines.h"
+#include "app/FileIO.h"
 #include "app/PlainFiles.h"
 #include "app/Routine.h"
 #include "app/Text.h"
 #include "app/Version.h"
+#include "drive/StickLock.h"
 #include "drive/VolumeCommands.h"
 #include "library/SortRecovery.h"
 #include "library/TransferCommands.h"
@@ -146,14 +148,54 @@ bool checkDrive(Context& ctx, Routine& r, ScanOutcome& rescanned) {
     return true;
 }
 
+// A copy's temporary file is incomplete by definition (a complete one is renamed at
+// once) and its source is still where it was, so one left by a stopped command goes, as
+// went those the drive layer found half written under their own names. The sort's
+// temporary names are its journal's; the caller keeps them while one is open.
+void removeStrayTemporaries(Context& ctx, Routine& r) {
+    const auto folder = ctx.state.drive.tavrinFolder();
+    std::vector<std::filesystem::path> stray;
+    r.step("List " + pathToUtf8(folder), [&] {
+        stray.clear();
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
+            if (isTemporaryName(fileNameUtf8(entry.path()))) stray.push_back(entry.path());
+    });
+    int removed = 0;
+    for (const auto& name : ctx.volumes->takeUnfinishedRemoved(ctx.state.drive.letter)) {
+        r.detail("Removed the unfinished copy " + name);
+        ++removed;
+    }
+    for (const auto& file : stray) {
+        if (r.step("Remove the unfinished copy " + pathToUtf8(file),
+                   [&] { std::filesystem::remove(file); }))
+            ++removed;
+    }
+    if (removed > 0)
+        ctx.ui.setStatus(StatusPanel::Second, "Removed " + std::to_string(removed) +
+                                                  " unfinished copies left by a stopped command");
+}
+
+// What an earlier command left unfinished on the stick, while no other command of the
+// program works on it (that one's temporary files are still being written).
+void settleEarlierCommands(Context& ctx, Routine& r) {
+    const auto lock = lockStickQuietly(ctx, StickUse::Write);
+    if (!lock) {
+        r.detail(
+            "The thumbdrive is busy with another command; its leftovers wait for the next scan");
+        return;
+    }
+    const bool sortSettled = offerSortRecovery(ctx);
+    offerRestoreRecovery(ctx);
+    if (sortSettled) removeStrayTemporaries(ctx, r);
+}
+
 ScanOutcome acceptDrive(Context& ctx, Routine& r) {
     MainState& s = ctx.state;
     enable(s, "btnRenameVol", true);
     s.drive.present = enableForNamedDrive(ctx);
     ctx.ui.setStatus(StatusPanel::Drive, driveStatusText(s.drive));
     s.usbPattern = s.pattern;
-    offerSortRecovery(ctx);  // before anything else works on the stick's files
-    offerRestoreRecovery(ctx);  // before anything else works on the stick's files
+    settleEarlierCommands(ctx, r);  // before anything else works on the stick's files
     countContent(ctx, r);
     if (s.refreshLists) s.refreshLists();
     if (!s.drive.present) return ScanOutcome::Refused;

@@ -96,6 +96,16 @@ class Volumes {
     // Formats the drive, keeping `label` where the program formats it itself.
     virtual FormatOutcome format(const std::string& drive, const std::string& label) = 0;
 
+    // Whether the drive layer holds the stick for this process as long as it is attached,
+    // so no other command of the program can work on it meanwhile (an image file, which
+    // one FUSE driver at a time may serve).
+    virtual bool heldWhileAttached(const std::string& /*drive*/) { return false; }
+    // Files a stopped write had left half done under their own names, which the drive
+    // layer removed when it attached the drive (image drives); each is told once.
+    virtual std::vector<std::string> takeUnfinishedRemoved(const std::string& /*drive*/) {
+        return {};
+    }
+
     // Device notices. A descriptor that becomes ready (POLLPRI) when mounts change, or
     // -1 where notices come as window messages; then takeNotices() lists what arrived and
     // what was removed since the last call.

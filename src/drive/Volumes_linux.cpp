@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <utility>
 
 #include "app/RuntimeError.h"
 #include "app/Text.h"
@@ -148,6 +149,15 @@ class LinuxVolumes : public Volumes {
         if (auto* d = images_.find(drive)) return pathToUtf8(d->image);
         const auto v = volume(drive);
         return v ? v->mount.source : std::string();
+    }
+
+    bool heldWhileAttached(const std::string& drive) override {
+        return images_.find(drive) != nullptr;
+    }
+
+    std::vector<std::string> takeUnfinishedRemoved(const std::string& drive) override {
+        auto* d = images_.find(drive);
+        return d ? std::exchange(d->unfinishedRemoved, {}) : std::vector<std::string>{};
     }
 
     std::vector<std::string> systemEntries(const std::string& drive) override {

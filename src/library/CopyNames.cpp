@@ -68,15 +68,10 @@ std::string freeSuffixName(const FolderNames& folder, const std::string& wanted,
 
 namespace {
 
-std::string legalName(std::string name, const std::filesystem::path& file) {
-    if (trimWhitespace(name).empty()) name = splitExtension(fileNameUtf8(file)).base;
-    const bool control = std::any_of(name.begin(), name.end(), [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-    });
-    if (control)
-        throw RuntimeError(kErrBadFileNameOrNumber,
-                           "the name inside " + pathToUtf8(file) + " holds control characters");
-    return name;
+std::string legalName(const std::string& name, const std::filesystem::path& file) {
+    std::string safe = windowsSafeName(name);
+    if (trimWhitespace(safe).empty()) safe = splitExtension(fileNameUtf8(file)).base;
+    return safe;
 }
 
 }  // namespace

@@ -59,10 +59,9 @@ std::string freeSuffixName(const FolderNames& folder, const std::string& wanted,
                            const NameParts& parts, int& counter, int& duplicates);
 
 // The name a preset or recording gets in the library: the name inside it (GetPresetName)
-// made legal by CheckName. A file whose inside name is empty or blank keeps its own name
-// without the extension. A name the file system cannot hold (control characters) is a
-// run-time error 52 for the caller's handler. `head`, when given, is the file's first
-// bytes, already read.
+// made legal by CheckName, then by windowsSafeName. A file whose inside name is empty or
+// blank keeps its own name without the extension. `head`, when given, is the file's
+// first bytes, already read.
 std::string readableName(Context& ctx, const std::filesystem::path& file,
                          std::optional<std::string_view> head = std::nullopt);
 // The same, reading the file without a routine of its own: a failure is the caller's

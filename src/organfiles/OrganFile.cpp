@@ -85,8 +85,18 @@ std::string readFileVersion(const std::filesystem::path& file) {
     return versionFromLine(readFirstLine(file));
 }
 
+bool isDamagedOrganFile(const std::filesystem::path& file) {
+    const FileKind kind = fileKind(fileNameUtf8(file));
+    if (kind != FileKind::Preset && kind != FileKind::Recording) return false;
+    std::error_code ec;
+    const std::uintmax_t size = std::filesystem::file_size(file, ec);
+    if (ec) throw RuntimeError::fromErrorCode(ec, pathToUtf8(file));
+    return size < kOrganHeaderSize;
+}
+
 std::optional<Series> familyOfFile(const std::filesystem::path& file) {
     const std::string name = fileNameUtf8(file);
+    if (isDamagedOrganFile(file)) return std::nullopt;
     if (const auto family = seriesOf(name)) return family;
     if (!isGenericExtension(extensionOf(name))) return std::nullopt;
     try {

@@ -33,9 +33,15 @@ std::string nameFromLine(std::string_view line);
 
 std::string readFileVersion(const std::filesystem::path& file);
 
+// A preset or recording shorter than the header every organ file starts with (an empty
+// one among them) is damaged: no command numbers or sorts it as a good one.
+inline constexpr std::uintmax_t kOrganHeaderSize = 48;
+bool isDamagedOrganFile(const std::filesystem::path& file);
+
 // The family of an organ file: from its name, or for a generic LPG or LMR without an
 // organ prefix from the format version inside it. nullopt when neither tells (a photo,
-// a generic file without a readable header). Throws when the file cannot be read.
+// a generic file without a readable header) and for a damaged file. Throws when the
+// file cannot be read.
 std::optional<Series> familyOfFile(const std::filesystem::path& file);
 std::string readPresetName(const std::filesystem::path& file);
 

@@ -326,6 +326,32 @@ std::string checkName(std::string_view text) {
     return out;
 }
 
+namespace {
+
+bool isDeviceName(std::string_view stem) {
+    std::string upper;
+    for (const char c : stem)
+        upper += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    for (const char* device : {"CON", "PRN", "AUX", "NUL"})
+        if (upper == device) return true;
+    return upper.size() == 4 && (upper.rfind("COM", 0) == 0 || upper.rfind("LPT", 0) == 0) &&
+           upper[3] >= '1' && upper[3] <= '9';
+}
+
+}  // namespace
+
+std::string windowsSafeName(std::string_view name) {
+    std::string safe;
+    for (const char c : name) safe += static_cast<unsigned char>(c) < 0x20 ? '_' : c;
+    while (!safe.empty() && (safe.back() == '.' || safe.back() == ' ')) safe.pop_back();
+    // Windows takes "CON.txt" and "CON .txt" for the device as well.
+    const std::size_t stemEnd = std::min(safe.find('.'), safe.size());
+    std::size_t deviceEnd = stemEnd;
+    while (deviceEnd > 0 && safe[deviceEnd - 1] == ' ') --deviceEnd;
+    if (isDeviceName(std::string_view(safe).substr(0, deviceEnd))) safe.insert(deviceEnd, "_");
+    return safe;
+}
+
 std::string CheckName(Context& ctx, std::string_view text) {
     std::string result(text);
     routine(ctx, "frmMain.CheckName", [&](Routine& r) {

@@ -100,4 +100,11 @@ std::string freeDuplicateName(const std::filesystem::path& folder, std::string_v
 std::string checkName(std::string_view text);
 std::string CheckName(Context& ctx, std::string_view text);
 
+// The step after CheckName for a name made from inside a file, so that Windows can open
+// and delete the file it names, on every system alike: codes 0 to 31 become "_", trailing
+// dots and spaces go, and a device name (CON, PRN, AUX, NUL, COM1-9, LPT1-9, with any
+// extension) gets "_" before its extension ("CON" becomes "CON_", "nul.txt" "nul_.txt").
+// Empty when nothing is left.
+std::string windowsSafeName(std::string_view name);
+
 }  // namespace tvk

@@ -16,6 +16,7 @@
 #include "app/Routine.h"
 #include "app/Session.h"
 #include "app/System.h"
+#include "drive/StickLock.h"
 #include "drive/Volumes.h"
 #include "ui/CommandRunner.h"
 #include "ui/FileListWidget.h"
@@ -72,6 +73,21 @@ class MainWindow : public QMainWindow {
     template <class F>
     void command(F&& body) {
         runner_->run(std::forward<F>(body));
+    }
+
+    // As command, holding the stick's lock for `use` while it runs: another command of
+    // the program on the same stick (tvk, or a second window) makes it say "THUMBDRIVE
+    // BUSY" and do nothing.
+    template <class F>
+    void stickCommand(StickUse use, F&& body) {
+        command([&] {
+            auto ctx = context();
+            if (const auto lock = lockStick(ctx, use)) body();
+        });
+    }
+    // Write while the thumbdrive list is the one worked in, else Read.
+    StickUse useOfActiveList() const {
+        return session_.state.activeList == ListControl::flbUSB ? StickUse::Write : StickUse::Read;
     }
 
     // Handlers the widgets call; public so tests can drive them as a user would.

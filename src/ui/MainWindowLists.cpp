@@ -79,7 +79,8 @@ void MainWindow::connectButtonSignals() {
     }
     for (int i = 0; i < static_cast<int>(btnUSB_Docs_.size()); ++i) {
         connect(btnUSB_Docs_[i], &QPushButton::clicked, this, [this, i] {
-            command([&] {
+            // Only the restore writes to the stick; the others copy from it.
+            stickCommand(i == 1 ? StickUse::Write : StickUse::Read, [&] {
                 auto ctx = context();
                 btnUSB_Docs_Click(ctx, i);
                 refreshAll();
@@ -87,14 +88,14 @@ void MainWindow::connectButtonSignals() {
         });
     }
     connect(btnRenameVol_, &QPushButton::clicked, this, [this] {
-        command([&] {
+        stickCommand(StickUse::Write, [&] {
             auto ctx = context();
             afterScan(ctx, btnRenameVol_Click(ctx));
             refreshAll();
         });
     });
     connect(btnSort_, &QPushButton::clicked, this, [this] {
-        command([&] {
+        stickCommand(StickUse::Write, [&] {
             auto ctx = context();
             btnSort_Click(ctx);
             refreshAll();
@@ -159,7 +160,8 @@ void MainWindow::playFile(const std::filesystem::path& file) {
 
 void MainWindow::filesDropped(const QString& destinationList, const DraggedFiles& files,
                               const QString& destinationFolder) {
-    command([&] {
+    const bool ontoStick = listControlFromName(us(destinationList)) == ListControl::flbUSB;
+    stickCommand(ontoStick ? StickUse::Write : StickUse::Read, [&] {
         DropRequest drop;
         drop.sourceList = listControlFromName(us(files.sourceList));
         drop.destinationList = listControlFromName(us(destinationList));

@@ -115,7 +115,7 @@ void MainWindow::connectViewCommands() {
         });
     });
     onTriggered("mnuEditRename", [this] {
-        command([&] {
+        stickCommand(useOfActiveList(), [&] {
             const auto file = selectedFile();
             if (file.empty() || !isPresetName(fileNameUtf8(file))) return;
             PresetRenameDialog dialog(context(), file, this);
@@ -149,7 +149,7 @@ void MainWindow::connectViewCommands() {
 // Format, Copy and Paste, and the three commands that only open something.
 void MainWindow::connectEditCommands() {
     onTriggered("mnuFileFormat", [this] {
-        command([&] {
+        stickCommand(StickUse::Write, [&] {
             auto ctx = context();
             afterScan(ctx, mnuFileFormat_Click(ctx));
             refreshAll();
@@ -162,7 +162,7 @@ void MainWindow::connectEditCommands() {
         });
     });
     onTriggered("mnuEditPaste", [this] {
-        command([&] {
+        stickCommand(useOfActiveList(), [&] {
             auto ctx = context();
             mnuEditPaste_Click(ctx, session_.state.activeList);
             refreshAll();
@@ -194,7 +194,7 @@ void MainWindow::connectSeriesCommands() {
 void MainWindow::connectFileCommands() {
     auto on = [this](const char* name, auto body) {
         onTriggered(name, [this, body] {
-            command([&] {
+            stickCommand(useOfActiveList(), [&] {
                 auto ctx = context();
                 body(ctx);
             });

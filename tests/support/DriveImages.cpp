@@ -19,6 +19,8 @@ std::filesystem::path makeImage(const TempTree& tree, const std::string& name,
         command += "mkfs.fat -F " + recipe.kind.substr(3);
         if (!recipe.label.empty()) command += " -n '" + recipe.label + "'";
         if (!recipe.serialHex.empty()) command += " -i " + recipe.serialHex;
+        if (recipe.sectorsPerCluster > 0)
+            command += " -s " + std::to_string(recipe.sectorsPerCluster);
     } else if (recipe.kind == "exfat") {
         command += "mkfs.exfat";
         if (!recipe.label.empty()) command += " -L '" + recipe.label + "'";

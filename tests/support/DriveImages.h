@@ -19,8 +19,9 @@ namespace tvk::test {
 struct ImageRecipe {
     std::string kind = "fat16";  // "fat12", "fat16", "fat32", "exfat", "ext4"
     int sizeMiB = 32;
-    std::string label;      // none when empty
-    std::string serialHex;  // mkfs.fat -i; random when empty
+    std::string label;          // none when empty
+    std::string serialHex;      // mkfs.fat -i; random when empty
+    int sectorsPerCluster = 0;  // mkfs.fat -s (1 makes a 4 MiB FAT16); its choice when 0
 };
 
 // Makes a sparse image file; fails the test when the mkfs tool fails.

@@ -64,6 +64,9 @@ void put(const std::filesystem::path& folder, const Files& files) {
     for (const auto& [name, bytes] : files) {
         const auto file = folder / pathFromUtf8(name);
         std::filesystem::create_directories(file.parent_path());
+        // A changed file is made anew: fusefat cannot overwrite one in place (it leaves a
+        // chain that reads short).
+        std::filesystem::remove(file);
         writeFile(file, bytes);
     }
 }

@@ -7,8 +7,10 @@
 
 #include <QLineEdit>
 
+#include "drive/StickLock.h"
 #include "drive/Volumes.h"
 #include "support/DriveImages.h"
+#include "support/FakeVolumes.h"
 #include "ui/DeviceWatch.h"
 #include "ui/WindowFixture.h"
 
@@ -153,6 +155,34 @@ TEST_F(StickWindow, SortRenumbersTheStickAlphabetically) {
     EXPECT_EQ(readFile(tavrin / "SUPSET03.LPG"), stick.at("SUPSET01.LPG"));
     EXPECT_EQ(names("flbUSB"), (QStringList{"SUPSET01.LPG", "SUPSET02.LPG", "SUPSET03.LPG"}));
     EXPECT_FALSE(fs::exists(library() / "FileSorting"));
+}
+
+// While another command of the program (tvk, in another process) holds a stick, the
+// window's commands on it say so and change nothing; reading commands share it.
+TEST_F(WindowFixture, CommandsOnABusyStickChangeNothing) {
+    auto volumes = std::make_shared<FakeVolumes>();
+    volumes->letters["E"].info.serialNumber = 0x5EA1F00D;
+    window->session().volumes = volumes;
+    window->session().state.drive.letter = "E";
+    window->session().state.drive.serialHex = "5EA1F00D";
+    const auto tavrin = acceptStick();
+    writeFile(tavrin / "SUPSET01.LPG", organFile(Series::SU, FileKind::Preset, "Zebra"));
+    writeFile(tavrin / "SUPSET02.LPG", organFile(Series::SU, FileKind::Preset, "Apple"));
+    window->session().state.enabled["btnSort"] = true;
+    window->refreshAll();
+    {
+        auto reading = StickLock::tryTake("volume-5EA1F00D", StickUse::Read);
+        ASSERT_TRUE(reading);
+        ui.expect("THUMBDRIVE BUSY");
+        clickButton("btnSort");
+        EXPECT_TRUE(ui.done());
+        EXPECT_EQ(ui.shown.size(), 1u);  // not even the sort's question
+        EXPECT_EQ(readFile(tavrin / "SUPSET01.LPG"),
+                  organFile(Series::SU, FileKind::Preset, "Zebra"));
+    }
+    ui.expect(kSortTitle, Answer::Yes).expect(kSortTitle);  // free again once it ended
+    clickButton("btnSort");
+    EXPECT_EQ(readFile(tavrin / "SUPSET01.LPG"), organFile(Series::SU, FileKind::Preset, "Apple"));
 }
 
 }  // namespace
