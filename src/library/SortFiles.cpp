@@ -201,7 +201,9 @@ bool renumber(Routine& r, const std::vector<SortRow>& rows, const SortRequest& r
     }
     std::vector<std::string> taken;
     for (const auto& e : entries) taken.push_back(utf8ToUpper(e));
-    run.journal.steps = planSortSteps(run.journal.moves, taken, run.folder);
+    if (!r.step("Plan the renames in " + pathToUtf8(run.folder),
+                [&] { run.journal.steps = planSortSteps(run.journal.moves, taken, run.folder); }))
+        return false;
     if (!roomForRenames(r, run)) return false;
     const auto scratch = sortingFolder(ctx.paths);
     run.journal.copiesFolder =

@@ -167,22 +167,29 @@ std::vector<SortStep> planSortSteps(std::vector<SortMove>& moves,
         if (const auto it = waitingFor.find(left); it != waitingFor.end())
             ready.push_back(it->second);
     };
-    for (std::size_t next = 0;;) {
-        while (!ready.empty()) {
-            const std::size_t i = ready.front();
-            ready.pop_front();
-            if (places[i] != SortPlace::New) rename(i, SortPlace::New, moves[i].newName);
-        }
-        // What is left trades names in cycles: the first file of one steps aside.
-        while (next < moves.size() && places[next] == SortPlace::New) ++next;
-        if (next == moves.size()) return steps;
+    const auto placeReady = [&] {
+        for (; !ready.empty(); ready.pop_front())
+            if (places[ready.front()] != SortPlace::New)
+                rename(ready.front(), SortPlace::New, moves[ready.front()].newName);
+    };
+    // What is left after the files whose names come free trades names in cycles: the
+    // first file of each steps aside.
+    for (std::size_t i = 0; i < moves.size(); ++i) {
+        placeReady();
+        if (places[i] != SortPlace::Old) continue;
         std::string temporary;
         do {
-            temporary = fileNameUtf8(temporaryNameFor(folder / pathFromUtf8(moves[next].oldName)));
+            temporary = fileNameUtf8(temporaryNameFor(folder / pathFromUtf8(moves[i].oldName)));
         } while (names.count(utf8ToUpper(temporary)));
-        moves[next].temporaryName = temporary;
-        rename(next, SortPlace::Temporary, temporary);
+        moves[i].temporaryName = temporary;
+        rename(i, SortPlace::Temporary, temporary);
     }
+    placeReady();
+    for (std::size_t i = 0; i < moves.size(); ++i)
+        if (places[i] != SortPlace::New)  // a new name held by a file that stays
+            throw RuntimeError(kErrFileAlreadyExists,
+                               pathToUtf8(folder / pathFromUtf8(moves[i].newName)));
+    return steps;
 }
 
 std::filesystem::path sortingFolder(const Paths& paths) {

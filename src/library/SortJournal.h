@@ -54,7 +54,8 @@ std::optional<SortJournal> parseSortJournal(std::string_view text);
 // The order of the renames that take every file of `moves` to its new name: a file whose
 // new name is free goes there in one rename; a cycle of files that trade names sends its
 // first file to a temporary name (set in `moves`) until the rest have moved. `taken` are
-// the folder's names, in upper case, every old name included.
+// the folder's names, in upper case, every old name included. Throws RuntimeError (58)
+// when a new name is held by a file that stays.
 std::vector<SortStep> planSortSteps(std::vector<SortMove>& moves,
                                     const std::vector<std::string>& taken,
                                     const std::filesystem::path& folder);
