@@ -536,6 +536,14 @@ TEST(SortJournal, ReadsBackOnlyAWholeJournal) {
         EXPECT_FALSE(parseSortJournal(foreign)) << to;
     }
     EXPECT_FALSE(parseSortJournal(text + journalProgressLine(4)));  // more than there are
+    // The earlier kind: every file to its temporary name, then all to their new names.
+    const auto twoHalves = parseSortJournal(
+        "Tavrin File Manager sort journal 1\r\nVolume\tS\t1\r\nStage\tPacking\r\nMoves\t2\r\n"
+        "Move\tA\t.t1\tB\r\nMove\tB\t.t2\tA\r\nEnd\r\n");
+    ASSERT_TRUE(twoHalves);
+    EXPECT_EQ(twoHalves->done, 2u);
+    EXPECT_EQ(twoHalves->steps.size(), 4u);
+    EXPECT_EQ(twoHalves->steps[2].to, SortPlace::New);
 }
 
 }  // namespace
