@@ -3,7 +3,7 @@
 # family) and 40 recordings numbered in reverse alphabetical order, so every file takes a
 # new name. Side by side, on an identical image mounted the same way: the floor, two `mv`
 # per file (to a temporary name, then to the final one). The target is at most 0.8 times
-# the floor, and at most 1.25 renames per renamed file (tvk sort says how many it did).
+# the floor; tvk sort says how many renames it did.
 # `tvk scan` on the same image shows what attaching and detaching the image costs inside
 # the tvk figure.
 #
@@ -101,4 +101,6 @@ awk -v t="$best_tvk" -v f="$best_floor" -v s="$best_scan" -v n="$files_renamed" 
     printf "tvk sort %8d ms (of which attaching and detaching, as tvk scan: %d ms)\n", t, s
     printf "2 x mv   %8d ms (mount and unmount included)\n", f
     printf "ratio    %8.2f  (target at most 0.80)\n", t / f
-    printf "renames  %8.2f  per renamed file (%d renames, %d files; floor 2.00, target at most 1.25)\n", r / n, r, n }'
+    printf "renames  %8.2f  per renamed file (%d renames, %d files; floor 2.00)\n", r / n, r, n
+    print  "         (the reversed order trades names in pairs: 1.50 at best; the 1.25 target"
+    print  "         is for a random order, which the sort tests check)" }'
