@@ -2,9 +2,10 @@
 # Times `tvk sort` on a fusefat-mounted FAT32 stick image holding 750 presets (250 of each
 # family) and 40 recordings numbered in reverse alphabetical order, so every file takes a
 # new name. Side by side, on an identical image mounted the same way: the floor, two `mv`
-# per file (to a temporary name, then to the final one). The target is at most 1.5 times
-# the floor. `tvk scan` on the same image shows what attaching and detaching the image
-# costs inside the tvk figure.
+# per file (to a temporary name, then to the final one). The target is at most 0.8 times
+# the floor; tvk sort says how many renames it did.
+# `tvk scan` on the same image shows what attaching and detaching the image costs inside
+# the tvk figure.
 #
 #   bench/sort_bench.sh            # builds Release into build-bench-sort, then runs
 #   RUNS=5 bench/sort_bench.sh     # best of 5 instead of 3
@@ -73,11 +74,14 @@ floor() {
     fusermount -u "$mnt"
 }
 
+# tvk sort, its report kept for the count of renames.
+sort_tvk() { "$tvk" --yes sort --drive-image "$work/tvk.img" >"$work/sort.out"; }
+
 best_tvk=0 best_floor=0 best_scan=0
 for ((i = 0; i < runs; i++)); do
     make_images
     scan=$(($(time_us "$tvk" --yes scan --drive-image "$work/tvk.img") / 1000))
-    t=$(($(time_us "$tvk" --yes sort --drive-image "$work/tvk.img") / 1000))
+    t=$(($(time_us sort_tvk) / 1000))
     f=$(($(time_us floor) / 1000))
     # Both sticks must end up the same: every file, bytes and all, under its new number.
     rm -rf "$work/out" && mkdir -p "$work/out/tvk" "$work/out/floor"
@@ -91,7 +95,12 @@ for ((i = 0; i < runs; i++)); do
 done
 
 echo "best of $runs runs, 750 presets + 40 recordings on a fusefat FAT32 image ($(nproc) cores)"
-awk -v t="$best_tvk" -v f="$best_floor" -v s="$best_scan" 'BEGIN {
+files_renamed=$(sed -n 's/^Renamed \([0-9]*\) files\.$/\1/p' "$work/sort.out")
+renames=$(sed -n 's/^Renames: \([0-9]*\)$/\1/p' "$work/sort.out")
+awk -v t="$best_tvk" -v f="$best_floor" -v s="$best_scan" -v n="$files_renamed" -v r="$renames" 'BEGIN {
     printf "tvk sort %8d ms (of which attaching and detaching, as tvk scan: %d ms)\n", t, s
     printf "2 x mv   %8d ms (mount and unmount included)\n", f
-    printf "ratio    %8.2f  (target at most 1.50)\n", t / f }'
+    printf "ratio    %8.2f  (target at most 0.80)\n", t / f
+    printf "renames  %8.2f  per renamed file (%d renames, %d files; floor 2.00)\n", r / n, r, n
+    print  "         (the reversed order trades names in pairs: 1.50 at best; the 1.25 target"
+    print  "         is for a random order, which the sort tests check)" }'

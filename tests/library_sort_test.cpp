@@ -1,12 +1,18 @@
 // The alphabetical sort on real FAT sticks mounted through FUSE: the numbering, the
-// boxes, files it must leave alone, and sorts stopped part way (the program killed, the
-// stick pulled) finished or put back at the next scan with every file's bytes intact.
+// boxes, files it must leave alone, how few renames it takes, and sorts that cannot
+// start or stop part way (a full stick, the program killed, the stick pulled, a file's
+// entry gone) refused, put back or finished with every file's bytes intact and the FAT
+// clean.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <numeric>
+#include <random>
 #include <regex>
 #include <set>
+#include <sstream>
 
 #include "app/FileIO.h"
 #include "app/Routine.h"
@@ -39,8 +45,9 @@ std::string song(Series family, const std::string& name) {
 // outlives each attachment so a journal left by one is found by the next.
 class SortStick {
   public:
-    explicit SortStick(const Files& files) {
-        image_ = test::makeImage(tree_, "stick.img", {"fat16", 32, "SORT STICK", "5027AB01"});
+    explicit SortStick(const Files& files,
+                       const test::ImageRecipe& recipe = {"fat16", 32, "SORT STICK", "5027AB01"}) {
+        image_ = test::makeImage(tree_, "stick.img", recipe);
         attach();
         fs::create_directory(drives_->root() / "TAVRIN");
         for (const auto& [name, bytes] : files) test::writeFile(folder() / name, bytes);
@@ -74,6 +81,7 @@ class SortStick {
     test::ScriptedInteraction& ui() { return drives_->ui; }
     fs::path folder() { return drives_->root() / "TAVRIN"; }
     fs::path library() const { return tree_.root() / "Documents" / "Tavrin File Manager"; }
+    fs::path journal() const { return library() / "FileSorting" / "SORT STICK - 5027AB01.txt"; }
     fs::path root() { return drives_->root(); }
     const fs::path& image() const { return image_; }
     const test::TempTree& tree() const { return tree_; }
@@ -192,9 +200,11 @@ TEST(Sort, AsksFirstThenShowsEachPhase) {
     EXPECT_EQ(texts, (std::vector<std::string>{
                          "READING PRESETS: SUPSET01.LPG", "READING PRESETS: SUPSET02.LPG",
                          "READING RECORDINGS: X.SMR", "SORTING FILES: 0%", "SORTING FILES: 33%",
+                         // the copies, then a file to a free name, then a cycle of two
                          "UNPACKING FILES: SUPSET02.LPG", "UNPACKING FILES: SUPSET01.LPG",
-                         "UNPACKING FILES: X.SMR", "PACKING FILES: SUPSET01.LPG",
-                         "PACKING FILES: SUPSET02.LPG", "PACKING FILES: SUSONG001.LMR", ""}));
+                         "UNPACKING FILES: X.SMR", "PACKING FILES: SUSONG001.LMR",
+                         "UNPACKING FILES: SUPSET02.LPG", "PACKING FILES: SUPSET02.LPG",
+                         "PACKING FILES: SUPSET01.LPG", ""}));
     EXPECT_FALSE(ui.progressVisible);
 }
 
@@ -251,65 +261,174 @@ TEST(Sort, RenamesInAListedFolderNeverReplaceAFile) {
     }
 }
 
-struct Interruption {
-    const char* what;
-    bool pull;         // the stick pulled; otherwise the program killed
-    int afterRenames;  // of 2 x 4 renames: up to 4 in the first half
-    Answer recovery;   // Yes finishes, No puts back
+// fsck.fat's findings on a detached image, empty when it is clean (its banner and
+// count of files left out).
+std::string fsckFindings(const fs::path& image) {
+    std::string out;
+    if (test::runCommand("fsck.fat -n '" + pathToUtf8(image) + "' 2>&1", &out) == 0) return {};
+    std::string findings;
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);)
+        if (!startsWith(line, "fsck.fat ") && line.find(" files, ") == std::string::npos)
+            findings += line + "\n";
+    return findings;
+}
+
+// The file the sort renames next, from its journal.
+std::string nextRenamed(const fs::path& journalFile) {
+    const auto journal = parseSortJournal(test::readFile(journalFile));
+    if (!journal || journal->done >= journal->steps.size()) return {};
+    const SortStep& step = journal->steps[journal->done];
+    return nameAt(journal->moves[step.move], placesBeforeSteps(*journal)[journal->done]);
+}
+
+enum class Fault {
+    Full,        // the stick has no free cluster
+    Pull,        // fusefat killed after some renames
+    Kill,        // the program killed after some renames
+    Vanish,      // the next file's entry gone, so its rename fails
+    VanishPull,  // the next file's entry gone, then fusefat killed
 };
 
-class SortInterrupted : public ::testing::TestWithParam<Interruption> {};
+struct SortFault {
+    const char* what;
+    Fault fault;
+    int afterRenames;  // of 12: four cycles of two files, each with one temporary name
+    Answer recovery;   // at the next scan; Cancel when there is none
+};
 
-TEST_P(SortInterrupted, IsFinishedOrPutBackAtTheNextScan) {
+std::string faultName(const SortFault& c) {
+    static const char* const kinds[] = {"Full", "Pulled", "Killed", "Vanished", "VanishedPulled"};
+    return kinds[static_cast<int>(c.fault)] + std::to_string(c.afterRenames);
+}
+
+class SortFaults : public ::testing::TestWithParam<SortFault> {};
+
+TEST_P(SortFaults, NeverLoseAFile) {
     TVK_REQUIRE_FUSE();
-    const Interruption& c = GetParam();
-    const Files before{{"SUPSET01.LPG", preset(Series::SU, "Delta")},
-                       {"SUPSET02.LPG", preset(Series::SU, "Charlie")},
-                       {"SUPSET03.LPG", preset(Series::SU, "Bravo")},
-                       {"SUPSET04.LPG", preset(Series::SU, "Alpha")},
-                       {"tune.mp3", "ID3"}};
+    const SortFault& c = GetParam();
+    Files before{{"tune.mp3", "ID3"}, {"SUSONG01.LMR", song(Series::SU, "Waltz")}};
+    for (int n = 1; n <= 8; ++n)  // SUPSET01 "H" ... SUPSET08 "A": the order reversed
+        before["SUPSET0" + std::to_string(n) + ".LPG"] =
+            preset(Series::SU, std::string(1, static_cast<char>('I' - n)));
     SortStick stick(before);
     stick.scan();
+    if (c.fault == Fault::Full)
+        test::runCommand("dd if=/dev/zero of='" + pathToUtf8(stick.root() / "FILLER") +
+                         "' bs=64k 2>/dev/null");
     SortRequest request;
     request.afterEachRename = [&](int done) {
         if (done != c.afterRenames) return;
-        if (!c.pull) throw ProgramEnd{9};
-        test::pullImage(stick.root());
+        if (c.fault == Fault::Kill) throw ProgramEnd{9};
+        if (c.fault == Fault::Vanish || c.fault == Fault::VanishPull)
+            fs::remove(stick.folder() / nextRenamed(stick.journal()));
+        if (c.fault == Fault::Pull || c.fault == Fault::VanishPull) test::pullImage(stick.root());
     };
-    stick.ui().expect(kSortTitle, Answer::Yes);
-    if (c.pull) stick.ui().expect("TVK: RUNTIME ERROR", Answer::Ignore).expect(kSortTitle);
-    if (c.pull) {
-        EXPECT_FALSE(btnSort_Click(stick.ctx(), request).completed);
-    } else {
+    auto& ui = stick.ui();
+    ui.expect(kSortTitle, Answer::Yes);
+    if (c.fault != Fault::Full && c.fault != Fault::Kill)
+        ui.expect("TVK: RUNTIME ERROR", Answer::Ignore);
+    if (c.fault != Fault::Kill) ui.expect(kSortTitle);
+    if (c.fault == Fault::Kill) {
         EXPECT_THROW(btnSort_Click(stick.ctx(), request), ProgramEnd);
+    } else {
+        EXPECT_FALSE(btnSort_Click(stick.ctx(), request).completed);
+        EXPECT_EQ(ui.shown.back().icon, Icon::Exclamation);
     }
-    ASSERT_TRUE(stick.ui().done());
-    if (c.pull) {
-        EXPECT_NE(stick.ui().shown.back().text.find("next scan"), std::string::npos);
+    ASSERT_TRUE(ui.done());
+    const std::string said = ui.shown.back().text;
+    if (c.fault == Fault::Full) {
+        EXPECT_NE(said.find("Nothing was changed."), std::string::npos) << said;
+    } else if (c.fault == Fault::Vanish) {
+        EXPECT_EQ(said, "The sort stopped. Every file is under its old name again.");
+    } else if (c.fault != Fault::Kill) {
+        EXPECT_NE(said.find("next scan"), std::string::npos) << said;
     }
-
-    stick.attach();
-    stick.ui().expect("INTERRUPTED SORT", c.recovery).expect("INTERRUPTED SORT");
-    stick.scan();
-    ASSERT_TRUE(stick.ui().done());
-    EXPECT_TRUE(stick.ctx().state.drive.present);
+    std::string leftByTheFault;  // a file removed as the stick is pulled leaves lost clusters
+    if (c.recovery != Answer::Cancel) {
+        stick.detach();
+        leftByTheFault = fsckFindings(stick.image());
+        stick.attach();
+        stick.ui().expect("INTERRUPTED SORT", c.recovery).expect("INTERRUPTED SORT");
+        stick.scan();
+        ASSERT_TRUE(stick.ui().done());
+        EXPECT_TRUE(stick.ctx().state.drive.present);
+    }
     const Files sorted = renamed(before,
-                                 "SUPSET01.LPG>SUPSET04.LPG|SUPSET02.LPG>SUPSET03.LPG|"
-                                 "SUPSET03.LPG>SUPSET02.LPG|SUPSET04.LPG>SUPSET01.LPG");
+                                 "SUPSET01.LPG>SUPSET08.LPG|SUPSET02.LPG>SUPSET07.LPG|"
+                                 "SUPSET03.LPG>SUPSET06.LPG|SUPSET04.LPG>SUPSET05.LPG|"
+                                 "SUPSET05.LPG>SUPSET04.LPG|SUPSET06.LPG>SUPSET03.LPG|"
+                                 "SUPSET07.LPG>SUPSET02.LPG|SUPSET08.LPG>SUPSET01.LPG|"
+                                 "SUSONG01.LMR>SUSONG001.LMR");
     EXPECT_EQ(stick.contents(), c.recovery == Answer::Yes ? sorted : before);
+    for (const auto& name : folderEntries(stick.folder()))
+        EXPECT_FALSE(isTemporaryName(name)) << name;
     EXPECT_FALSE(fs::exists(stick.library() / "FileSorting"));
+    stick.detach();
+    EXPECT_EQ(fsckFindings(stick.image()), leftByTheFault);
+    EXPECT_EQ(leftByTheFault.empty(), c.fault != Fault::VanishPull) << leftByTheFault;
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Stops, SortInterrupted,
-    ::testing::Values(Interruption{"killed unpacking, finished", false, 2, Answer::Yes},
-                      Interruption{"killed packing, put back", false, 6, Answer::No},
-                      Interruption{"pulled unpacking, put back", true, 3, Answer::No},
-                      Interruption{"pulled packing, finished", true, 5, Answer::Yes}),
-    [](const auto& info) {
-        return std::string(info.param.pull ? "Pulled" : "Killed") +
-               std::to_string(info.param.afterRenames);
-    });
+    Stops, SortFaults,
+    ::testing::Values(SortFault{"full", Fault::Full, 0, Answer::Cancel},
+                      SortFault{"vanish", Fault::Vanish, 5, Answer::Cancel},
+                      SortFault{"pulled first half", Fault::Pull, 2, Answer::No},
+                      SortFault{"pulled second half", Fault::Pull, 7, Answer::No},
+                      SortFault{"pulled second half", Fault::VanishPull, 9, Answer::No},
+                      SortFault{"pulled second half", Fault::VanishPull, 11, Answer::No},
+                      SortFault{"killed first half", Fault::Kill, 3, Answer::Yes},
+                      SortFault{"killed second half", Fault::Kill, 10, Answer::No}),
+    [](const auto& info) { return faultName(info.param); });
+
+// One rename for each file whose new name is free or comes free, a temporary name for
+// each cycle of files that trade names, none for a file already in place.
+TEST(Sort, RenamesEachFileOncePlusOneForEachCycle) {
+    TVK_REQUIRE_FUSE();
+    struct Case {
+        const char* what;
+        std::vector<int> order;  // the place in the alphabet of SUPSET01, 02, ...
+        int renamed;
+        int renames;
+    };
+    std::vector<int> shuffled(40);
+    std::iota(shuffled.begin(), shuffled.end(), 1);
+    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(21));
+    const Case cases[] = {
+        {"already in order", {1, 2, 3, 4, 5, 6}, 0, 0},
+        {"one cycle of three, one of two, two in place", {3, 1, 2, 5, 4, 6}, 5, 7},
+        {"random order", shuffled, -1, -1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Files files;
+        std::string newNames;
+        for (std::size_t i = 0; i < c.order.size(); ++i) {
+            const auto name = [](int n) { return "SUPSET" + zeroPad(n, 2) + ".LPG"; };
+            files[name(static_cast<int>(i) + 1)] = preset(Series::SU, "P" + zeroPad(c.order[i], 3));
+            newNames += name(static_cast<int>(i) + 1) + ">" + name(c.order[i]) + "|";
+        }
+        SortStick stick(files);
+        stick.scan();
+        stick.ui().expect(kSortTitle, Answer::Yes).expect(kSortTitle);
+        const SortReport report = btnSort_Click(stick.ctx());
+        EXPECT_TRUE(report.completed);
+        newNames.pop_back();
+        EXPECT_EQ(stick.contents(), renamed(files, newNames));
+        int cycles = 0, moved = 0;  // counted from the permutation itself
+        std::vector<bool> seen(c.order.size() + 1);
+        for (int start = 1; start <= static_cast<int>(c.order.size()); ++start) {
+            if (seen[start] || c.order[start - 1] == start) continue;
+            ++cycles;
+            for (int n = start; !seen[n]; n = c.order[n - 1]) seen[n] = true, ++moved;
+        }
+        EXPECT_EQ(report.renamed, moved);
+        EXPECT_EQ(report.renames, moved + cycles);
+        if (c.renamed >= 0) EXPECT_EQ(report.renamed, c.renamed);
+        if (c.renames >= 0) EXPECT_EQ(report.renames, c.renames);
+        if (c.renames < 0) EXPECT_LE(report.renames, 1.25 * report.renamed);
+    }
+}
 
 TEST(Sort, StickNotAsTheJournalSaysIsLeftAloneAndReported) {
     TVK_REQUIRE_FUSE();
@@ -327,7 +446,7 @@ TEST(Sort, StickNotAsTheJournalSaysIsLeftAloneAndReported) {
     EXPECT_EQ(stick.ui().shown[0].icon, Icon::Exclamation);
     EXPECT_NE(stick.ui().shown[0].text.find("left as they are"), std::string::npos);
     EXPECT_EQ(stick.contents(), now);
-    EXPECT_EQ(folderEntries(stick.library() / "FileSorting").size(), 1u);  // kept
+    EXPECT_EQ(folderEntries(stick.library() / "FileSorting").size(), 2u);  // journal, copies
 }
 
 TEST(Sort, TvkSortsAndItsScanFinishesAnInterruptedSort) {
@@ -362,21 +481,69 @@ TEST(Sort, TvkSortsAndItsScanFinishesAnInterruptedSort) {
                                         "SUPSET02.LPG>SUPSET03.LPG"));
 }
 
+// A cycle of three, A to B, B to C, C to A, passes the same names twice: the progress
+// lines tell the start from the end, the folder the one rename a progress line may lack.
+TEST(SortJournal, LocatesTheFilesFromProgressAndFolder) {
+    SortJournal journal{
+        "S",
+        "1",
+        "S - 1",
+        {{"A", "T", "B"}, {"B", "", "C"}, {"C", "", "A"}},
+        {{0, SortPlace::Temporary}, {2, SortPlace::New}, {1, SortPlace::New}, {0, SortPlace::New}},
+        0};
+    const struct {
+        std::size_t logged;
+        const char* entries;
+        const char* expected;  // done and the missing files, or "none"
+    } rows[] = {
+        {0, "A|B|C|tune.mp3", "0"},
+        {4, "A|B|C", "4"},
+        {1, "T|B|A", "2"},  // renamed, not yet logged
+        {2, "T|B|C", "1"},  // renamed back, not yet logged
+        {2, "t|a", "2 missing 1"},
+        {1, "T|B|C|a", "none"},  // another file holds a name still needed
+    };
+    for (const auto& row : rows) {
+        journal.done = row.logged;
+        const auto at = locateSortedFiles(journal, test::split(row.entries));
+        std::string found = at ? std::to_string(at->done) : "none";
+        for (std::size_t i = 0; at && i < at->missing.size(); ++i)
+            if (at->missing[i]) found += " missing " + std::to_string(i);
+        EXPECT_EQ(found, row.expected) << row.logged << " " << row.entries;
+    }
+}
+
 TEST(SortJournal, ReadsBackOnlyAWholeJournal) {
     const SortJournal journal{
         "MY STICK",
         "2021ABCD",
-        SortStage::Packing,
-        {{"MY SU.SPG", ".tvk-1.part", "SUPSET01.LPG"}, {"x.APG", ".tvk-2.part", "APSET001.LPG"}}};
+        "MY STICK - 2021ABCD",
+        {{"MY SU.SPG", "", "SUPSET01.LPG"}, {"x.APG", ".tvk-2.part", "APSET001.LPG"}},
+        {{1, SortPlace::Temporary}, {0, SortPlace::New}, {1, SortPlace::New}},
+        0};
     const std::string text = journalText(journal);
-    const auto back = parseSortJournal(text);
+    const auto progress = journalProgressLine(1) + journalProgressLine(2);
+    const auto back = parseSortJournal(text + progress + "Done\t3");  // the last cut short
     ASSERT_TRUE(back);
+    EXPECT_EQ(back->done, 2u);
     EXPECT_EQ(journalText(*back), text);
     for (std::size_t n = 0; n + 2 < text.size(); ++n)
         EXPECT_FALSE(parseSortJournal(text.substr(0, n))) << n;
-    std::string foreign = text;
-    foreign.replace(foreign.find("x.APG"), 5, "a/b");
-    EXPECT_FALSE(parseSortJournal(foreign));
+    for (const auto& [from, to] : test::pairs("x.APG>a/b|Step\t1\tTemporary>Step\t0\tTemporary|"
+                                              "Step\t1\tNew>Step\t2\tNew")) {
+        std::string foreign = text;
+        foreign.replace(foreign.find(from), from.size(), to);
+        EXPECT_FALSE(parseSortJournal(foreign)) << to;
+    }
+    EXPECT_FALSE(parseSortJournal(text + journalProgressLine(4)));  // more than there are
+    // The earlier kind: every file to its temporary name, then all to their new names.
+    const auto twoHalves = parseSortJournal(
+        "Tavrin File Manager sort journal 1\r\nVolume\tS\t1\r\nStage\tPacking\r\nMoves\t2\r\n"
+        "Move\tA\t.t1\tB\r\nMove\tB\t.t2\tA\r\nEnd\r\n");
+    ASSERT_TRUE(twoHalves);
+    EXPECT_EQ(twoHalves->done, 2u);
+    EXPECT_EQ(twoHalves->steps.size(), 4u);
+    EXPECT_EQ(twoHalves->steps[2].to, SortPlace::New);
 }
 
 }  // namespace

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <fstream>
 #include <optional>
 #include <vector>
 
@@ -180,6 +182,13 @@ void writeNewFile(const std::filesystem::path& file, std::string_view bytes) {
         out.flushToDisk();
     });
     settleEntryTime(file, std::chrono::system_clock::now());
+}
+
+void appendToFile(const std::filesystem::path& file, std::string_view bytes) {
+    std::ofstream out(file, std::ios::binary | std::ios::app);
+    if (out) out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (out) out.close();
+    if (!out) throw RuntimeError(classicNumberForErrno(errno), pathToUtf8(file));
 }
 
 namespace {

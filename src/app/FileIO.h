@@ -61,6 +61,10 @@ void writeFileReplacing(const std::filesystem::path& file, std::string_view byte
 // Writes a new file; refuses (58, file already exists) when `file` is already there.
 void writeNewFile(const std::filesystem::path& file, std::string_view bytes);
 
+// Adds `bytes` at the end of `file`, made when missing. Not flushed to disk: for a log
+// that a reader takes up to its last whole line.
+void appendToFile(const std::filesystem::path& file, std::string_view bytes);
+
 // Called during a copy with the bytes copied so far and the source's size.
 using CopyProgress = std::function<void(std::uintmax_t done, std::uintmax_t total)>;
 

@@ -28,7 +28,12 @@ int runSort(std::vector<std::string>& args, ConsoleInteraction& ui) {
     }
     const SortReport report = btnSort_Click(ctx);
     for (const auto& name : report.leftAlone) ui.out() << "Left as it is: " << name << "\n";
-    if (report.completed) ui.out() << "Renamed " << report.renamed << " files.\n";
+    if (report.completed) {
+        ui.out() << "Renamed " << report.renamed << " files.\n";
+        // Renames per renamed file: one each, plus a temporary name per cycle of files
+        // that trade names.
+        ui.out() << "Renames: " << report.renames << "\n";
+    }
     return report.completed ? 0 : 1;
 }
 

@@ -7,10 +7,12 @@
 #include <unordered_set>
 #include <utility>
 
+#include "app/DiskSpace.h"
 #include "app/FileIO.h"
 #include "app/PlainFiles.h"
 #include "app/Routine.h"
 #include "app/Text.h"
+#include "drive/ScanForUSBs.h"
 #include "drive/Volumes.h"
 #include "library/SortRecovery.h"
 #include "organfiles/FileLayout.h"
@@ -100,23 +102,15 @@ void numberRows(std::vector<SortRow>& rows) {
 }
 
 // A file that already has its new name stays where it is.
-std::vector<SortMove> planMoves(const std::filesystem::path& folder,
-                                const std::vector<SortRow>& rows) {
+std::vector<SortMove> movesOf(const std::vector<SortRow>& rows) {
     std::vector<SortMove> moves;
-    std::unordered_set<std::string> temporaries;
-    for (const auto& row : rows) {
-        if (row.newName == row.fileName) continue;
-        std::string temporary;
-        do {
-            temporary = fileNameUtf8(temporaryNameFor(folder / pathFromUtf8(row.fileName)));
-        } while (!temporaries.insert(temporary).second);
-        moves.push_back({row.fileName, temporary, row.newName});
-    }
+    for (const auto& row : rows)
+        if (row.newName != row.fileName) moves.push_back({row.fileName, {}, row.newName});
     return moves;
 }
 
-// The first name the sort needs that a file staying in the folder already holds, and
-// that file's name. FAT takes names that differ only in case for the same name.
+// The first new name that a file staying in the folder already holds, and that file's
+// name. FAT takes names that differ only in case for the same name.
 std::optional<std::pair<std::string, std::string>> findObstacle(
     const std::vector<std::string>& entries, const std::vector<SortMove>& moves) {
     std::unordered_set<std::string> leaving;
@@ -125,9 +119,8 @@ std::optional<std::pair<std::string, std::string>> findObstacle(
     for (const auto& e : entries)
         if (!leaving.count(e)) staying.emplace(utf8ToUpper(e), e);
     for (const auto& m : moves)
-        for (const std::string* needed : {&m.temporaryName, &m.newName})
-            if (const auto it = staying.find(utf8ToUpper(*needed)); it != staying.end())
-                return std::make_pair(*needed, it->second);
+        if (const auto it = staying.find(utf8ToUpper(m.newName)); it != staying.end())
+            return std::make_pair(m.newName, it->second);
     return std::nullopt;
 }
 
@@ -147,6 +140,44 @@ void reportTooMany(Context& ctx, std::size_t count) {
                   Icon::Exclamation);
 }
 
+// Room on the stick for the directory entries the renames write: a FAT driver may write
+// a renamed file's entry anew, a long name taking one more entry for every 13
+// characters, and a folder that runs out of entries takes a new cluster.
+bool roomForRenames(Routine& r, const JournalRun& run) {
+    std::uintmax_t entries = 0;
+    for (const auto& step : run.journal.steps) {
+        const auto length = utf8Length(nameAt(run.journal.moves[step.move], step.to));
+        entries += 1 + (length + 12) / 13;
+    }
+    DiskSpace space;
+    if (!r.step("Measure the free space of " + pathToUtf8(run.folder),
+                [&] { space = diskSpace(run.folder); }))
+        return false;
+    const std::uintmax_t need = space.roomFor(entries * 32);
+    if (need <= space.available) return true;
+    const auto kb = [](std::uintmax_t bytes) {
+        return std::to_string((bytes + 1023) / 1024) + " KB";
+    };
+    r.ctx.ui.inform(kTitle,
+                    "The sort needs " + kb(need) +
+                        " free on the thumbdrive for the new names, "
+                        "but it has " +
+                        kb(space.available) + "." + kBlank +
+                        "Make room on the thumbdrive, then sort again. Nothing was changed.",
+                    Icon::Exclamation);
+    return false;
+}
+
+// A folder of its own in the scratch folder for this sort's copies; an older one may
+// still hold files a recovery could not put back.
+std::string freeCopiesFolder(const std::filesystem::path& scratch, const std::string& base) {
+    std::string name = base;
+    std::error_code ec;
+    for (int n = 1; std::filesystem::exists(scratch / pathFromUtf8(name), ec); ++n)
+        name = base + " (" + std::to_string(n) + ")";
+    return name;
+}
+
 // Renames the files to their new names through the journal. False when the sort did
 // not get done; the user has then been told where things stand.
 bool renumber(Routine& r, const std::vector<SortRow>& rows, const SortRequest& request,
@@ -156,8 +187,10 @@ bool renumber(Routine& r, const std::vector<SortRow>& rows, const SortRequest& r
     run.folder = ctx.state.drive.tavrinFolder();
     run.journalFile = sortJournalFile(ctx.paths, ctx.state.drive);
     run.afterEachRename = request.afterEachRename;
-    run.journal = {ctx.state.drive.volumeName, ctx.state.drive.serialHex, SortStage::Unpacking,
-                   planMoves(run.folder, rows)};
+    const auto& drive = ctx.state.drive;
+    run.journal.volumeName = drive.volumeName;
+    run.journal.serialHex = drive.serialHex;
+    run.journal.moves = movesOf(rows);
     if (run.journal.moves.empty()) return true;
     std::vector<std::string> entries;
     if (!r.step("List " + pathToUtf8(run.folder), [&] { entries = folderEntries(run.folder); }))
@@ -166,15 +199,24 @@ bool renumber(Routine& r, const std::vector<SortRow>& rows, const SortRequest& r
         reportObstacle(ctx, *obstacle);
         return false;
     }
+    std::vector<std::string> taken;
+    for (const auto& e : entries) taken.push_back(utf8ToUpper(e));
+    if (!r.step("Plan the renames in " + pathToUtf8(run.folder),
+                [&] { run.journal.steps = planSortSteps(run.journal.moves, taken, run.folder); }))
+        return false;
+    if (!roomForRenames(r, run)) return false;
+    const auto scratch = sortingFolder(ctx.paths);
+    run.journal.copiesFolder =
+        freeCopiesFolder(scratch, mirrorFolderName(drive.volumeName, drive.serialHex));
     const bool written = r.step("Write " + pathToUtf8(run.journalFile), [&] {
-        std::filesystem::create_directories(sortingFolder(ctx.paths));
+        std::filesystem::create_directories(scratch);
         writeNewFile(run.journalFile, journalText(run.journal));
     });
     if (!written) return false;
-    run.renamer.emplace(run.folder, entries);
-    run.places.assign(run.journal.moves.size(), SortPlace::Old);
-    const bool done = completeJournal(r, run, SortDirection::Finish, true);
-    if (done) report.renamed = static_cast<int>(run.journal.moves.size());
+    startJournalRun(run, entries);
+    const bool done = completeSort(r, run);
+    report.renamed = static_cast<int>(run.journal.moves.size());
+    report.renames = run.renamesDone;
     return done;
 }
 
