@@ -45,9 +45,10 @@ TEST(DesktopOpen, TheOpenerSaysIfItWorkedAndIsNeverLeftBehind) {
     const struct {
         const char* opener;
         bool opened;
-    } cases[] = {{"exit 0", true},             // hands the file on at once
-                 {"sleep 0.6; exit 0", true},  // still busy after the program stops waiting
-                 {"exit 3", false}};           // no program for the file
+    } cases[] = {{"exit 0", true},               // hands the file on at once
+                 {"sleep 2; exit 0", true},      // runs the program in its place
+                 {"exit 3", false},              // no program for the file
+                 {"sleep 0.5; exit 3", false}};  // found none after trying several
     for (const auto& c : cases) {
         const fs::path opener =
             tree.write("bin/xdg-open", std::string("#!/bin/sh\n") + c.opener + "\n");

@@ -74,7 +74,7 @@ pid_t spawnShell(const std::string& commandLine) {
 // Starts a program without waiting for it. A short wait tells an immediate failure; a
 // program still running after it is waited for by a thread of its own, so it never
 // lingers as a zombie after it ends.
-bool spawnDetached(const std::vector<std::string>& args) {
+bool spawnDetached(const std::vector<std::string>& args, std::chrono::milliseconds wait) {
     std::vector<char*> argv;
     std::vector<std::string> copy = args;
     for (auto& a : copy) argv.push_back(a.data());
@@ -88,12 +88,13 @@ bool spawnDetached(const std::vector<std::string>& args) {
     const int rc = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (rc != 0) return false;
-    for (int i = 0; i < 20; ++i) {
+    const auto until = std::chrono::steady_clock::now() + wait;
+    do {
         int status = 0;
         const pid_t done = waitpid(pid, &status, WNOHANG);
         if (done == pid) return WIFEXITED(status) && WEXITSTATUS(status) == 0;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    } while (std::chrono::steady_clock::now() < until);
     std::thread([pid] {
         int status = 0;
         while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
@@ -165,13 +166,17 @@ class LinuxSystem : public System {
 
     bool startDetached(const std::filesystem::path& program) override {
         if (access(program.c_str(), X_OK) != 0) return false;
-        return spawnDetached({program.string()});
+        return spawnDetached({program.string()}, std::chrono::milliseconds(200));
     }
 
     bool openWithDefault(const std::filesystem::path& file) override {
         std::error_code ec;
         if (!std::filesystem::exists(file, ec)) return false;
-        return spawnDetached({"xdg-open", file.string()});
+        // xdg-open tries one opener after another before it gives up, which takes a
+        // while on a busy computer; a desktop that found a program hands the file over
+        // at once, or runs the program in its place and is still running when we stop
+        // waiting.
+        return spawnDetached({"xdg-open", file.string()}, std::chrono::milliseconds(1500));
     }
 
     std::filesystem::path documentsFolder() override {

@@ -24,7 +24,13 @@ ContentCounts countFiles(const std::vector<std::string>& names) {
     return c;
 }
 
-std::string summaryText(const std::string& fileSystem, const ContentCounts& c) {
+}  // namespace
+
+ContentCounts countContent(const std::filesystem::path& tavrinFolder) {
+    return countFiles(listPlainFiles(tavrinFolder, "*"));
+}
+
+std::string driveSummary(const std::string& fileSystem, const ContentCounts& c) {
     const std::string br(kLineBreak);
     return "FILESYS: " + fileSystem + br + "PRESET FILES: " + std::to_string(c.presets) + br +
            "MUSIC FILES: " + std::to_string(c.music) + br + "MP3 FILES: " + std::to_string(c.mp3) +
@@ -32,15 +38,13 @@ std::string summaryText(const std::string& fileSystem, const ContentCounts& c) {
            "OTHER FILES: " + std::to_string(c.other);
 }
 
-}  // namespace
-
 void AnalyzeContent(Context& ctx, const std::filesystem::path& tavrinFolder) {
     routine(ctx, "frmMain.AnalyzeContent", [&](Routine& r) {
         ContentCounts counts;
         r.step("Count the files of " + pathToUtf8(tavrinFolder),
-               [&] { counts = countFiles(listPlainFiles(tavrinFolder, "*")); });
+               [&] { counts = countContent(tavrinFolder); });
         ctx.state.counts = counts;
-        ctx.state.driveInfoText = summaryText(ctx.state.drive.fileSystem, counts);
+        ctx.state.driveInfoText = driveSummary(ctx.state.drive.fileSystem, counts);
         ctx.ui.setStatus(StatusPanel::Progress, "");
         ctx.ui.setStatus(StatusPanel::Second, "");
     });

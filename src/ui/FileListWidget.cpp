@@ -59,6 +59,19 @@ bool FileListWidget::showFolder(const std::filesystem::path& folder, const std::
     return problem_.isEmpty();
 }
 
+bool FileListWidget::showsFolderAsItIs(const std::string& pattern) const {
+    std::vector<std::string> names;
+    try {
+        names = listPlainFiles(folder_, pattern);
+    } catch (const std::exception&) {
+        return !problem_.isEmpty();  // it says already that the folder cannot be read
+    }
+    if (!problem_.isEmpty() || names.size() != static_cast<std::size_t>(count())) return false;
+    for (int row = 0; row < count(); ++row)
+        if (us(item(row)->text()) != names[static_cast<std::size_t>(row)]) return false;
+    return true;
+}
+
 void FileListWidget::clearFolder() {
     const QSignalBlocker quiet(this);
     folder_.clear();

@@ -28,6 +28,8 @@ class FileListWidget : public QListWidget {
     // when the folder cannot be read; the reason is in lastProblem().
     bool showFolder(const std::filesystem::path& folder, const std::string& pattern);
     void clearFolder();
+    // Whether the list still holds exactly the folder's files matching `pattern`.
+    bool showsFolderAsItIs(const std::string& pattern) const;
     const std::filesystem::path& folder() const { return folder_; }
     const QString& lastProblem() const { return problem_; }
 

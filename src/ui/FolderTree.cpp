@@ -79,6 +79,23 @@ void FolderTree::refresh() {
     setRoot(root_, keep);
 }
 
+bool FolderTree::showsFoldersAsTheyAre() const {
+    std::vector<const QTreeWidgetItem*> open;
+    for (int i = 0; i < topLevelItemCount(); ++i) open.push_back(topLevelItem(i));
+    while (!open.empty()) {
+        const QTreeWidgetItem* item = open.back();
+        open.pop_back();
+        if (!item->data(0, kFilledRole).toBool()) continue;
+        const auto onDisk = subfolders(upath(item->data(0, kPathRole).toString()));
+        if (onDisk.size() != static_cast<std::size_t>(item->childCount())) return false;
+        for (int i = 0; i < item->childCount(); ++i) {
+            if (upath(item->child(i)->data(0, kPathRole).toString()) != onDisk[i]) return false;
+            open.push_back(item->child(i));
+        }
+    }
+    return true;
+}
+
 std::filesystem::path FolderTree::currentFolder() const {
     const auto* item = currentItem();
     return item ? upath(item->data(0, kPathRole).toString()) : root_;

@@ -18,6 +18,8 @@ class FolderTree : public QTreeWidget {
     void setRoot(const std::filesystem::path& root, const std::filesystem::path& current = {});
     // Rebuilds after folders changed, keeping the selected folder when it still exists.
     void refresh();
+    // Whether every opened branch still lists exactly the subfolders on disk.
+    bool showsFoldersAsTheyAre() const;
     std::filesystem::path currentFolder() const;
     bool selectFolder(const std::filesystem::path& folder);
     const std::filesystem::path& root() const { return root_; }

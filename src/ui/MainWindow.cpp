@@ -19,6 +19,7 @@
 #include "library/CategoryViews.h"
 #include "library/Selection.h"
 #include "library/TransferCommands.h"
+#include "organfiles/AnalyzeContent.h"
 #include "ui/Colors.h"
 #include "ui/DeviceWatch.h"
 #include "ui/FolderTree.h"
@@ -40,6 +41,7 @@ MainWindow::MainWindow(MainWindowOptions options, QWidget* parent)
     runner_ = new CommandRunner(session_.state, interaction_,
                                 {[this] { applyEnabled(); },
                                  [this] {
+                                     showWhatIsOnDisk();
                                      refreshPanels();
                                      applyEnabled();
                                  },
@@ -199,6 +201,29 @@ void MainWindow::refreshPanels() {
                                       ? "DRIVE INFORMATION DISPLAY"
                                       : qs(toDisplayLines(state.driveInfoText)));
     lblFileInfoDisplay_->setText(qs(toDisplayLines(state.fileInfoText)));
+}
+
+void MainWindow::showWhatIsOnDisk() {
+    auto& state = session_.state;
+    std::error_code ec;
+    if (!infoFile_.empty() && !std::filesystem::exists(infoFile_, ec)) {
+        infoFile_.clear();
+        state.fileInfoText.clear();
+    }
+    if (!dirDocs_->showsFoldersAsTheyAre()) dirDocs_->refresh();
+    if (!state.docsFolder.empty() && !flbDocs_->showsFolderAsItIs(state.pattern)) refreshDocs();
+    if (!state.drive.present) return;
+    if (flbUSB_->folder() != state.drive.tavrinFolder() ||
+        !flbUSB_->showsFolderAsItIs(state.usbPattern))
+        refreshUsb();
+    try {
+        const ContentCounts counts = countContent(state.drive.tavrinFolder());
+        if (counts == state.counts) return;
+        state.counts = counts;
+        state.driveInfoText = driveSummary(state.drive.fileSystem, counts);
+    } catch (const std::exception&) {
+        // A stick that cannot be read now is the device notice's to report.
+    }
 }
 
 void MainWindow::applyListColors() {

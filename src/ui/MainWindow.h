@@ -137,6 +137,9 @@ class MainWindow : public QMainWindow {
     void refreshDocs();
     void refreshUsb();
     void refreshPanels();
+    // Brings every list, the folder tree, the drive counts and the file information back
+    // to what is on disk, where a command or something outside the program changed it.
+    void showWhatIsOnDisk();
     void playFile(const std::filesystem::path& file);
 
     WidgetInteraction interaction_{this};
@@ -147,6 +150,7 @@ class MainWindow : public QMainWindow {
     bool activatedOnce_ = false;
     bool loaded_ = false;
     bool unloaded_ = false;
+    std::filesystem::path infoFile_;  // the file the file information describes
 
     // Controls by their program name; command widgets are enabled from MainState.
     std::map<QString, QWidget*> widgets_;

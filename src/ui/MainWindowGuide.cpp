@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QAction>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -120,7 +121,11 @@ void guideMainWindow(QMainWindow& window) {
     }
     for (const char* name : {"dirDocs", "flbDocs", "flbUSB"})
         if (auto* view = window.findChild<QAbstractItemView*>(name)) markFocus(view);
-    if (auto* drive = window.findChild<QLabel*>("sbarMain_3")) ElidedText::install(drive);
+    // Status texts and paths that do not fit keep both ends and show the rest as a tooltip.
+    for (const char* panel : {"sbarMain_1", "sbarMain_2", "sbarMain_3"})
+        if (auto* label = window.findChild<QLabel*>(panel)) ElidedText::install(label);
+    for (const char* path : {"txtDocPath", "txtUSBPath"})
+        if (auto* box = window.findChild<QLineEdit*>(path)) ElidedText::install(box);
 
     // The smallest size at which every control keeps its own room.
     window.setMinimumSize(window.minimumSizeHint());

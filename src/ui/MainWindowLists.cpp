@@ -122,6 +122,9 @@ void MainWindow::listClicked(FileListWidget* list) {
         click.entryCount = static_cast<std::size_t>(list->count());
         auto ctx = context();
         fileListClick(ctx, click);
+        infoFile_ = session_.state.fileInfoText.empty() || click.clicked.empty()
+                        ? std::filesystem::path()
+                        : click.folder / pathFromUtf8(click.clicked);
     });
 }
 

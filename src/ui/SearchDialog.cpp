@@ -55,7 +55,8 @@ SearchDialog::SearchDialog(Context ctx, QWidget* parent) : QDialog(parent), ctx_
     chkCountOnly_ = checkBox(this, "chkCountOnly", "Count Only");
     auto* btnSearch = new QPushButton("Search", this);
     btnSearch->setObjectName("btnSearch");
-    btnSearch->setAutoDefault(false);
+    // Enter starts the search wherever the focus is in the dialog.
+    btnSearch->setDefault(true);
 
     grid->addWidget(label1, 0, 0);
     grid->addWidget(txtSearch_, 0, 1, 1, 3);
@@ -73,7 +74,6 @@ SearchDialog::SearchDialog(Context ctx, QWidget* parent) : QDialog(parent), ctx_
     optLookIn_[0]->setEnabled(stick);
     optLookIn_[stick && ctx_.state.activeList == ListControl::flbUSB ? 0 : 1]->setChecked(true);
     connect(btnSearch, &QPushButton::clicked, this, [this] { btnSearch_Click(); });
-    connect(txtSearch_, &QLineEdit::returnPressed, this, [this] { btnSearch_Click(); });
     txtSearch_->setFocus();
 }
 

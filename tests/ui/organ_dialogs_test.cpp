@@ -173,9 +173,16 @@ TEST_F(OrganDialogs, SearchFollowsTheActiveListAndStartsOnEnter) {
         auto* text = dialog.findChild<QLineEdit*>("txtSearch");
         text->setText("e");
         dialog.findChild<QCheckBox*>("chkCountOnly")->setChecked(true);
-        ui.expect(stick ? "MATCHES FOUND" : "NO MATCHES");
-        press(text, Qt::Key_Return);
-        EXPECT_TRUE(ui.done());
+        dialog.show();
+        // Enter searches once wherever the focus is.
+        for (const char* focus : {"txtSearch", "optLookIn_1", "chkFileType_0", "chkWhole",
+                                  "chkMatchCase", "chkCountOnly"}) {
+            ui.expect(stick ? "MATCHES FOUND" : "NO MATCHES");
+            press(dialog.findChild<QWidget*>(focus), Qt::Key_Return);
+            EXPECT_TRUE(ui.done()) << focus;
+            EXPECT_EQ(ui.shown.size(), 1u) << focus;
+            ui.shown.clear();
+        }
     }
 }
 

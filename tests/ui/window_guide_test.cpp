@@ -8,6 +8,8 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QToolTip>
+#include <functional>
+#include <vector>
 
 #include "ui/ElidedText.h"
 #include "ui/MainWindowGuide.h"
@@ -125,23 +127,41 @@ TEST_F(GuideTest, AtTheMinimumSizeNothingOverlapsAndTheDrivePanelElides) {
     for (const char* name : {"flbDocs", "flbUSB", "dirDocs"})
         EXPECT_GE(find(name)->height(), find(name)->fontMetrics().height() * 5) << name;
 
-    const QString drive =
+    // Every status panel and path box keeps both ends of a long text and shows it whole
+    // in its tooltip.
+    const QString longText =
         "Volume Name: DEMO STICK  Serial Number:2021ABCD  DevID:/home/organist/"
         "Documents/a rather long folder name/and another one/demo-stick.img";
-    auto* panel = find<QLabel>("sbarMain_3");
-    panel->setText(drive);
-    EXPECT_EQ(panel->text(), drive);
-    const QString shownText = ui::ElidedText::shown(panel);
-    EXPECT_TRUE(shownText.startsWith("Volume Name: DEMO")) << shownText.toStdString();
-    EXPECT_TRUE(shownText.endsWith("stick.img")) << shownText.toStdString();
-    EXPECT_TRUE(shownText.contains(QChar(0x2026))) << shownText.toStdString();
-    QHelpEvent help(QEvent::ToolTip, QPoint(2, 2), panel->mapToGlobal(QPoint(2, 2)));
-    QApplication::sendEvent(panel, &help);
-    EXPECT_EQ(QToolTip::text(), drive);
+    struct Row {
+        const char* name;
+        std::function<void(const QString&)> set;
+        std::function<QString()> shown;
+    };
+    auto label = [this](const char* name) { return find<QLabel>(name); };
+    auto box = [this](const char* name) { return find<QLineEdit>(name); };
+    std::vector<Row> rows;
+    for (const char* name : {"sbarMain_1", "sbarMain_2", "sbarMain_3"})
+        rows.push_back({name, [=](const QString& t) { label(name)->setText(t); },
+                        [=] { return ui::ElidedText::shown(label(name)); }});
+    for (const char* name : {"txtDocPath", "txtUSBPath"})
+        rows.push_back({name, [=](const QString& t) { box(name)->setText(t); },
+                        [=] { return ui::ElidedText::shown(box(name)); }});
+    for (const auto& row : rows) {
+        row.set(longText);
+        const QString shownText = row.shown();
+        EXPECT_TRUE(shownText.startsWith("Volume")) << row.name << shownText.toStdString();
+        EXPECT_TRUE(shownText.endsWith("stick.img")) << row.name << shownText.toStdString();
+        EXPECT_TRUE(shownText.contains(QChar(0x2026))) << row.name << shownText.toStdString();
+        QWidget* w = find(row.name);
+        QHelpEvent help(QEvent::ToolTip, QPoint(2, 2), w->mapToGlobal(QPoint(2, 2)));
+        QApplication::sendEvent(w, &help);
+        EXPECT_EQ(QToolTip::text(), longText) << row.name;
+    }
+    EXPECT_EQ(box("txtUSBPath")->text(), longText);
 
-    window->resize(2400, 900);
+    window->resize(3200, 900);
     QApplication::processEvents();
-    EXPECT_EQ(ui::ElidedText::shown(panel), drive);
+    EXPECT_EQ(ui::ElidedText::shown(label("sbarMain_3")), longText);
 }
 
 }  // namespace

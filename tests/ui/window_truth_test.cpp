@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 
 #include "ui/WindowFixture.h"
 
@@ -89,6 +90,35 @@ TEST_F(TruthTest, TheListsWearTheColoursOfTheSettings) {
     // Focus keeps its border and the list keeps its colour.
     usb->setFocus();
     EXPECT_EQ(painted(usb), QColor(255, 0, 0));
+}
+
+TEST_F(TruthTest, AfterAnyCommandTheWindowShowsWhatIsOnDisk) {
+    const auto tavrin = acceptStick();
+    window->session().state.drive.fileSystem = "FAT32";
+    libraryFile("Gone.txt");
+    writeFile(tavrin / "SUPSET01.LPG", organFile(Series::SU, FileKind::Preset, "One"));
+    window->refreshAll();
+    // The file information of a file that is then removed behind the program's back.
+    auto* docs = list("flbDocs");
+    docs->selectName("Gone.txt");
+    window->listClicked(docs);
+    ASSERT_FALSE(window->session().state.fileInfoText.empty());
+
+    std::filesystem::remove(library() / "Gone.txt");
+    std::filesystem::create_directory(library() / "New Folder");
+    writeFile(tavrin / "SUPSET02.LPG", organFile(Series::SU, FileKind::Preset, "Two"));
+    window->listClicked(list("flbUSB"));  // any command at all
+
+    EXPECT_FALSE(names("flbDocs").contains("Gone.txt"));
+    EXPECT_TRUE(find<QLabel>("lblFileInfoDisplay")->text().isEmpty());
+    EXPECT_TRUE(names("flbUSB").contains("SUPSET02.LPG"));
+    EXPECT_TRUE(find<QLabel>("lblDriveInfoDisplay")->text().contains("PRESET FILES: 2"))
+        << find<QLabel>("lblDriveInfoDisplay")->text().toStdString();
+    bool treeShowsIt = false;
+    auto* tree = find<QTreeWidget>("dirDocs");
+    for (auto* item : tree->findItems("New Folder", Qt::MatchExactly | Qt::MatchRecursive))
+        treeShowsIt = treeShowsIt || item;
+    EXPECT_TRUE(treeShowsIt);
 }
 
 }  // namespace
