@@ -424,9 +424,14 @@ TEST(Sort, RenamesEachFileOncePlusOneForEachCycle) {
         }
         EXPECT_EQ(report.renamed, moved);
         EXPECT_EQ(report.renames, moved + cycles);
-        if (c.renamed >= 0) EXPECT_EQ(report.renamed, c.renamed);
-        if (c.renames >= 0) EXPECT_EQ(report.renames, c.renames);
-        if (c.renames < 0) EXPECT_LE(report.renames, 1.25 * report.renamed);
+        if (c.renamed >= 0) {
+            EXPECT_EQ(report.renamed, c.renamed);
+        }
+        if (c.renames >= 0) {
+            EXPECT_EQ(report.renames, c.renames);
+        } else {
+            EXPECT_LE(report.renames, 1.25 * report.renamed);
+        }
     }
 }
 
