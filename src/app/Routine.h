@@ -45,6 +45,24 @@ void reportUntrappedError(Interaction& ui, const RuntimeError& error);
 
 enum class Verdict { Retry, Ignore, Abort };
 
+// Runs `body`; a failure of the work itself goes to `onFailure`, called inside the catch
+// so it can read or rethrow the failure. The handler's own ways out (Abort, the end of the
+// program, an error with the trap off) pass through untouched.
+template <class F, class G>
+void whenFailing(F&& body, G&& onFailure) {
+    try {
+        body();
+    } catch (const RoutineAbort&) {
+        throw;
+    } catch (const ProgramEnd&) {
+        throw;
+    } catch (const UntrappedError&) {
+        throw;
+    } catch (...) {
+        onFailure();
+    }
+}
+
 class Routine {
   public:
     Routine(Context& ctx, std::string_view qualifiedName);
@@ -66,24 +84,20 @@ class Routine {
     template <class F>
     bool step(F&& body) {
         for (;;) {
-            try {
-                body();
-                return true;
-            } catch (const RoutineAbort&) {
-                throw;
-            } catch (const ProgramEnd&) {
-                throw;
-            } catch (const UntrappedError&) {
-                throw;
-            } catch (...) {
-                switch (handle(RuntimeError::fromCurrentException())) {
-                    case Verdict::Retry:
-                        continue;
-                    case Verdict::Ignore:
-                        return false;
-                    case Verdict::Abort:
-                        throw RoutineAbort{};
-                }
+            bool failed = false;
+            Verdict verdict = Verdict::Abort;
+            whenFailing(body, [&] {
+                failed = true;
+                verdict = handle(RuntimeError::fromCurrentException());
+            });
+            if (!failed) return true;
+            switch (verdict) {
+                case Verdict::Retry:
+                    continue;
+                case Verdict::Ignore:
+                    return false;
+                case Verdict::Abort:
+                    throw RoutineAbort{};
             }
         }
     }

@@ -24,18 +24,10 @@ bool stickGone(const Context& ctx);
 // the file system said about the vanished folder (usually "File not found").
 template <class F>
 void onStick(const Context& ctx, F&& body) {
-    try {
-        body();
-    } catch (const RoutineAbort&) {
-        throw;
-    } catch (const ProgramEnd&) {
-        throw;
-    } catch (const UntrappedError&) {
-        throw;
-    } catch (...) {
+    whenFailing(body, [&] {
         if (!stickGone(ctx)) throw;
         throw RuntimeError(kErrDiskNotReady, RuntimeError::fromCurrentException().detail());
-    }
+    });
 }
 
 // Runs one step of a command on the stick. False when the user went on without it (as
