@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <regex>
 #include <sstream>
 
@@ -9,7 +10,11 @@
 #include "app/FileIO.h"
 #include "app/FileTimes.h"
 #include "app/Text.h"
+#include "drive/ScanForUSBs.h"
+#include "library/ListFiles.h"
+#include "library/SortFiles.h"
 #include "support/DriveImages.h"
+#include "support/OrganBytes.h"
 
 namespace tvk {
 namespace {
@@ -102,6 +107,40 @@ TEST(ImageDriveDates, EntriesReadAndWrittenThroughFusefatMatchMdir) {
             EXPECT_EQ(mdirTime(image, std::string("W") + c.stem), c.when) << c.stem;
         }
     }
+}
+
+// The driver stamps what it renames with the time of the rename; every file keeps its own
+// date through the copy onto the stick, the sort's renames and a rename of its own.
+TEST(ImageDriveDates, CopySortAndRenameKeepEachFilesDate) {
+    TVK_REQUIRE_FUSE();
+    const struct {
+        const char *name, *preset, *when;  // the sort puts the three in the opposite order
+    } files[] = {{"SUPSET01.LPG", "Zebra", "2021-03-15 10:20"},
+                 {"SUPSET02.LPG", "Piano", "2020-02-14 12:00"},
+                 {"SUPSET03.LPG", "Flute", "2019-11-01 09:05"}};
+    test::ImageStick stick({"fat16", 32, "DATES", ""}, std::vector<std::string>{});
+    const fs::path folder = stick.root() / "TAVRIN";
+    std::map<std::string, std::string> dateOf;  // by contents, which the renames keep
+    for (const auto& f : files) {
+        const std::string bytes = test::organHead(Series::SU, f.preset);
+        const auto source = stick.tree.write(std::string("src/") + f.name, bytes);
+        setTime(source, parseMinute(f.when));
+        copyFileSafely(source, folder / f.name);
+        dateOf[bytes] = f.when;
+    }
+    Context ctx = stick.ctx();
+    ScanForUSBs(ctx);
+    stick.ui.expect("SORT PRESET AND RECORDING NAMES", Answer::Yes)
+        .expect("SORT PRESET AND RECORDING NAMES");
+    ASSERT_TRUE(btnSort_Click(ctx).completed);
+    moveFile(folder / "SUPSET02.LPG", folder / "MY PIANO.LPG");
+    int seen = 0;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        ++seen;
+        EXPECT_EQ(minuteText(modificationTime(entry.path())), dateOf[readWholeFile(entry.path())])
+            << fileNameUtf8(entry.path());
+    }
+    EXPECT_EQ(seen, 3);
 }
 
 TEST(ImageDriveDates, MonthShiftsKeepTheLocalTimeAcrossYears) {

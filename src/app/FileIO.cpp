@@ -303,9 +303,24 @@ MirroredFile copyFileMirrored(const std::filesystem::path& source,
     return result;
 }
 
+namespace {
+
+// Such a driver also stamps a renamed entry with the time of the rename; the file keeps
+// the date it had. Asked only there, as a question by name costs a FUSE stick a scan.
+template <class Rename>
+void renameKeepingDate(const std::filesystem::path& from, const std::filesystem::path& to,
+                       Rename&& rename) {
+    std::optional<FileTime> kept;
+    if (monthOneTooHigh(from)) kept = modificationTime(from);
+    rename();
+    if (kept) settleEntryTime(to, *kept);
+}
+
+}  // namespace
+
 void renameNoReplace(const std::filesystem::path& from, const std::filesystem::path& to) {
     checkNameStorable(to);
-    detail::renameExclusive(from, to);
+    renameKeepingDate(from, to, [&] { detail::renameExclusive(from, to); });
 }
 
 FolderRenamer::FolderRenamer(std::filesystem::path folder, const std::vector<std::string>& entries)
@@ -319,10 +334,12 @@ void FolderRenamer::rename(const std::string& from, const std::string& to) {
     const std::string upperFrom = utf8ToUpper(from), upperTo = utf8ToUpper(to);
     if (upperTo != upperFrom && taken_.count(upperTo))
         throw RuntimeError(kErrFileAlreadyExists, pathToUtf8(target));
-    if (!refusesByItself_ || !detail::renameRefusingByItself(source, target)) {
-        refusesByItself_ = false;
-        detail::renameReplacing(source, target);
-    }
+    renameKeepingDate(source, target, [&] {
+        if (!refusesByItself_ || !detail::renameRefusingByItself(source, target)) {
+            refusesByItself_ = false;
+            detail::renameReplacing(source, target);
+        }
+    });
     taken_.erase(upperFrom);
     taken_.insert(upperTo);
 }

@@ -1,8 +1,10 @@
 // tavrin-file-manager: the program's window.
 //
 //   tavrin-file-manager [+DEBUG|-DEBUG|+ERROR|-ERROR] [--drive-image FILE]...
-//                       [--screenshot FILE]
+//                       [--screenshot FILE [--screenshot-of CONTROL]]
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QListWidget>
 #include <QMessageBox>
@@ -32,6 +34,7 @@ struct Arguments {
     std::string switches;  // everything the start-up reads, as typed
     std::vector<std::filesystem::path> images;
     QString screenshot;
+    QString screenshotOf;  // a menu item's or button's control name
 };
 
 Arguments readArguments(const QStringList& args) {
@@ -41,11 +44,49 @@ Arguments readArguments(const QStringList& args) {
             a.images.push_back(tvk::ui::upath(args[++i]));
         } else if (args[i] == "--screenshot" && i + 1 < args.size()) {
             a.screenshot = args[++i];
+        } else if (args[i] == "--screenshot-of" && i + 1 < args.size()) {
+            a.screenshotOf = args[++i];
         } else {
             a.switches += (a.switches.empty() ? "" : " ") + tvk::ui::us(args[i]);
         }
     }
     return a;
+}
+
+// Selects the first preset of the stick's list, or else of the library's, for the commands
+// that work on one.
+void selectPreset(tvk::ui::MainWindow& window) {
+    for (const char* name : {"flbUSB", "flbDocs"}) {
+        auto* list = window.findChild<QListWidget*>(name);
+        for (int i = 0; list && i < list->count(); ++i) {
+            if (!list->item(i)->text().endsWith("PG", Qt::CaseInsensitive)) continue;
+            list->setFocus();
+            list->setCurrentRow(i);
+            return;
+        }
+    }
+}
+
+// Uses the menu item or button `control` and saves the window it opens (the main window
+// when it opens none), then closes both.
+void saveWindowOpenedBy(tvk::ui::MainWindow& window, const QString& control, const QString& file) {
+    selectPreset(window);
+    QTimer::singleShot(1000, &window, [&window, file] {
+        QWidget* opened = QApplication::activeModalWidget();
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (!opened && w != &window && w->isVisible() &&
+                (w->windowType() == Qt::Dialog || w->windowType() == Qt::Window))
+                opened = w;
+        (opened ? opened : &window)->grab().save(file);
+        if (opened) opened->close();
+        window.close();
+    });
+    if (auto* action = window.findChild<QAction*>(control))
+        action->trigger();
+    else if (auto* button = window.findChild<QAbstractButton*>(control))
+        button->click();
+    else
+        std::cerr << "tavrin-file-manager: no control named " << tvk::ui::us(control) << "\n";
 }
 
 // On Linux, Qt ends in a core dump when no display can be found; say so and how to get one.
@@ -102,6 +143,10 @@ int main(int argc, char** argv) {
             // Let the first activation and the scan finish, then save the window.
             QTimer::singleShot(1500, &window, [&] {
                 // One file selected, so the picture shows the information panel too.
+                if (!args.screenshotOf.isEmpty()) {
+                    saveWindowOpenedBy(window, args.screenshotOf, args.screenshot);
+                    return;
+                }
                 if (auto* docs = window.findChild<QListWidget*>("flbDocs"); docs && docs->count())
                     docs->setCurrentRow(docs->count() - 1);
                 window.grab().save(args.screenshot);
