@@ -127,8 +127,10 @@ std::optional<CopyReport> listDragDrop(Context& ctx, const DropRequest& drop) {
     return routine(ctx, name + "_OLEDragDrop", [&](Routine&) {
         ctx.state.activeList = drop.destinationList;
         ctx.state.lastAction = ListAction::Drop;
-        return Copyfiles(ctx, copyRequest(ctx, drop.files, drop.sourceFolder,
-                                          drop.destinationFolder, copyModeFor(drop)));
+        return Copyfiles(ctx,
+                         copyRequest(ctx, drop.files, drop.sourceFolder, drop.destinationFolder,
+                                     copyModeFor(drop)),
+                         "Drop");
     });
 }
 
