@@ -16,6 +16,7 @@ bool stickGone(const Context& ctx) {
 }
 
 bool stickWritable(Context& ctx, Routine& r) {
+    if (ctx.state.drive.root.empty()) return true;  // a folder named as the stick, no drive
     bool readOnly = false;
     if (!stickStep(r, "Measure the free space of " + pathToUtf8(ctx.state.drive.root),
                    [&] { readOnly = diskSpace(ctx.state.drive.root).readOnly; }))

@@ -167,7 +167,10 @@ class CopyRun {
             try {
                 copiedAs = copyTo(source, targetFor(name, info));
             } catch (const std::exception&) {
-                report_.failures.push_back({name, RuntimeError::fromCurrentException().number()});
+                // A pulled stick is "Disk not ready", whatever the vanished folder said.
+                const bool gone = onStick_ && stickGone(ctx_);
+                report_.failures.push_back(
+                    {name, gone ? kErrDiskNotReady : RuntimeError::fromCurrentException().number()});
                 failed = true;
                 throw;
             }
