@@ -170,7 +170,8 @@ class CopyRun {
                 // A pulled stick is "Disk not ready", whatever the vanished folder said.
                 const bool gone = onStick_ && stickGone(ctx_);
                 report_.failures.push_back(
-                    {name, gone ? kErrDiskNotReady : RuntimeError::fromCurrentException().number()});
+                    {name,
+                     gone ? kErrDiskNotReady : RuntimeError::fromCurrentException().number()});
                 failed = true;
                 throw;
             }
