@@ -753,6 +753,12 @@ TEST_F(StickTest, APulledStickEndsEachCommandWithOneBox) {
          {{"COPY PRESETS TO POOL", Answer::Ok}}, Answer::Abort},
         {"paste from the stick", copy({}, computer, CopyMode::Left), {}, Answer::Ignore},
         {"paste onto the stick", copy(computer, {}, CopyMode::Right), {}, Answer::Abort},
+        {"duplicate on the stick",
+         [&](Context& ctx, Plugged& stick) {
+             ctx.state.activeList = ListControl::flbUSB;
+             copy({}, {}, CopyMode::FlbUSB)(ctx, stick);
+         },
+         {{"DUPLICATE FILE", Answer::Yes}}, Answer::Ignore},
         {"delete on the stick",
          [](Context& ctx, Plugged& stick) {
              const auto names = test::listNames(stick.tavrin());

@@ -133,7 +133,7 @@ class CopyRun {
     bool askForDuplicate() {
         const Answer answer = ctx_.ui.message(Message{
             "DUPLICATE FILE",
-            "Do you want to make a duplicate file in the " + quoted(req_.destination) + " folder?",
+            "Do you want to make a duplicate file in the " + shown(req_.destination) + " folder?",
             Buttons::YesNo, Icon::Question, 1});
         ctx_.state.lastAnswer = answer;
         return answer == Answer::Yes;
