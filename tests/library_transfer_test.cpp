@@ -564,6 +564,12 @@ TEST_F(StickTest, UpdateAndRestoreOnImagesLoseNothing) {
                 }
             }
             if (c.fault != Fault::Pull) stickAfter = contents(stick->tavrin());
+            // Status panel 2 names the stick as the user knows it.
+            if (c.fault == Fault::None) {
+                EXPECT_EQ(
+                    stick->ui.status[StatusPanel::Second],
+                    "Restore: 4 files copied to " + pathToUtf8(image.filename()) + ":/TAVRIN");
+            }
         }
         const Files mirrorAfter = contents(mirror);
         if (c.fault == Fault::WriteProtect) {
