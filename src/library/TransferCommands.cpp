@@ -388,6 +388,7 @@ TransferReport autoBackup(Context& ctx) {
     TransferReport report;
     routine(ctx, "frmMain.AutoBackup", [&](Routine& r) {
         report = addNewFiles(ctx, r);
+        if (report.stickRemoved) return;  // its box said what was done
         ctx.ui.setStatus(StatusPanel::Second,
                          "Auto Backup: " + std::to_string(report.copied.size()) +
                              " new or changed files added to " + fileNameUtf8(mirrorFolder(ctx)));
