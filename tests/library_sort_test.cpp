@@ -344,6 +344,10 @@ TEST_P(SortFaults, NeverLoseAFile) {
     } else if (c.fault != Fault::Kill) {
         EXPECT_NE(said.find("next scan"), std::string::npos) << said;
     }
+    // A pulled stick is "Disk not ready" (a vanished file alone is not).
+    if (c.fault == Fault::Pull) {
+        EXPECT_EQ(ui.shown.at(1).text.rfind("Encountered Err#71\r", 0), 0u) << ui.shown.at(1).text;
+    }
     std::string leftByTheFault;  // a file removed as the stick is pulled leaves lost clusters
     if (c.recovery != Answer::Cancel) {
         stick.detach();

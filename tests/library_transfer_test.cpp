@@ -8,11 +8,18 @@
 #include "app/FileIO.h"
 #include "app/Paths.h"
 #include "app/Text.h"
+#include "drive/ImageDrives.h"
 #include "drive/ScanForUSBs.h"
+#include "drive/VolumeCommands.h"
 #include "drive/VolumeProbe.h"
 #include "drive/Volumes.h"
 #include "library/CopyNames.h"
+#include "library/DeleteFiles.h"
+#include "library/RenameFile.h"
+#include "library/Selection.h"
+#include "library/SortFiles.h"
 #include "library/TransferCommands.h"
+#include "organfiles/PresetNames.h"
 #include "support/DriveImages.h"
 #include "support/OrganBytes.h"
 #include "support/SessionTest.h"
@@ -70,21 +77,29 @@ TEST_F(TransferTest, AddAllAndThePoolsNameFilesAndNeverReplaceOne) {
         fs::path folder;
         const char* box;
         Answer answer;
-        const char* names;  // the folder afterwards
+        const char* names;    // the folder afterwards
+        const char* summary;  // status panel 2 afterwards
     };
     const Case cases[] = {
         {TransferButton::AddAll, tree.path("lib/ORGAN - 1A2B"), "DUPLICATE FILES", Answer::Ok,
-         "A\u00D8B\u00A8C\u00BF.LPG|ESONG004.EMR|Piano (1).LPG|Piano.LPG|Song.mp3|tune.mid"},
+         "A\u00D8B\u00A8C\u00BF.LPG|ESONG004.EMR|Piano (1).LPG|Piano.LPG|Song.mp3|tune.mid",
+         "Add ALL: 6 files copied to ORGAN - 1A2B"},
         {TransferButton::PoolPresets, session.paths.presetPool(), "COPY PRESETS TO POOL",
-         Answer::Ok, "A\u00D8B\u00A8C\u00BF.APG|Piano.SPG|Piano_#1.SPG|Piano_#2.SPG"},
+         Answer::Ok, "A\u00D8B\u00A8C\u00BF.APG|Piano.SPG|Piano_#1.SPG|Piano_#2.SPG",
+         "Add USB Presets: 3 files copied to Preset Pool"},
         {TransferButton::PoolRecordings, session.paths.musicRecordings(), "COPY RECORDINGS TO POOL",
-         Answer::Ok, "ESONG004.EMR"},
+         Answer::Ok, "ESONG004.EMR", "Add USB Recordings: 1 file copied to Music Recordings"},
         {TransferButton::PoolRecordings, session.paths.musicRecordings(), "COPY RECORDINGS TO POOL",
-         Answer::Cancel, "ESONG004.EMR"},
+         Answer::Cancel, "ESONG004.EMR", ""},
+        {TransferButton::Update, tree.path("lib/ORGAN - 1A2B"), "UPDATE COMPUTER", Answer::Yes,
+         "A\u00D8B\u00A8C\u00BF_#003.LPG|ESONG004_#004.EMR|Piano_#01.LPG|Piano_#02.LPG|Song.mp3|"
+         "tune.mid",
+         "Update: 4 copied, 2 unchanged, 4 to the recycle bin"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(static_cast<int>(c.button));
         ui.shown.clear();
+        ui.status.clear();
         ui.expect(c.box, c.answer);
         const auto report = btnUSB_Docs_Click(ctx, static_cast<int>(c.button));
         EXPECT_TRUE(ui.done());
@@ -93,6 +108,7 @@ TEST_F(TransferTest, AddAllAndThePoolsNameFilesAndNeverReplaceOne) {
         EXPECT_EQ(ctx.state.selectedCategory, 0);
         EXPECT_FALSE(ui.progressVisible);
         EXPECT_EQ(contents(stick), stickFiles());
+        EXPECT_EQ(ui.status[StatusPanel::Second], c.summary);
         if (c.button == TransferButton::AddAll) {
             EXPECT_EQ(ui.shown.at(0).text, "There are 1 duplicate files marked with (#)");
             EXPECT_TRUE(ctx.state.isEnabled("btnUSB_Docs_0"));
@@ -107,6 +123,11 @@ TEST_F(TransferTest, AddAllAndThePoolsNameFilesAndNeverReplaceOne) {
                       "This will copy 1 RECORDING files to \"Music Recordings\"");
         }
     }
+    // A paste says the same of what it copied, naming the folder it copied to.
+    const fs::path mine = tree.mkdir("lib/Mine");
+    Copyfiles(ctx, copyRequest(ctx, {"Song.mp3", "tune.mid"}, stick, mine, CopyMode::Left),
+              "Paste");
+    EXPECT_EQ(ui.status[StatusPanel::Second], "Paste: 2 files copied to " + pathToUtf8(mine));
 }
 
 // The copies name a file from the first bytes they read of it, as reading the whole file
@@ -543,6 +564,12 @@ TEST_F(StickTest, UpdateAndRestoreOnImagesLoseNothing) {
                 }
             }
             if (c.fault != Fault::Pull) stickAfter = contents(stick->tavrin());
+            // Status panel 2 names the stick as the user knows it.
+            if (c.fault == Fault::None) {
+                EXPECT_EQ(
+                    stick->ui.status[StatusPanel::Second],
+                    "Restore: 4 files copied to " + pathToUtf8(image.filename()) + ":/TAVRIN");
+            }
         }
         const Files mirrorAfter = contents(mirror);
         if (c.fault == Fault::WriteProtect) {
@@ -694,6 +721,147 @@ TEST_F(StickTest, AutoBackupAddsOnlyWhatIsNewOrChanged) {
             EXPECT_EQ(stick->ui.status[StatusPanel::Second], c.status);
         }
     }
+}
+
+}  // namespace
+}  // namespace tvk
+
+namespace tvk {
+namespace {
+
+// Every command that reads or writes the stick, with the stick pulled after its first
+// file: the step that meets it gets one "Disk not ready" box, then one box says what is
+// where, and no box shows the folder the image is mounted on.
+TEST_F(StickTest, APulledStickEndsEachCommandWithOneBox) {
+    TVK_REQUIRE_FUSE();
+    const std::string mountFolder = pathToUtf8(imageMountFolder());
+    const fs::path computer = tree.mkdir("Documents/Tavrin File Manager/Mine");
+    put(computer, {{"a.mp3", std::string(300000, 'a')}, {"b.mp3", std::string(300000, 'b')}});
+    using Command = std::function<void(Context&, Plugged&)>;
+    const auto copy = [&](fs::path from, fs::path to, CopyMode mode) {
+        return [=](Context& ctx, Plugged& stick) {
+            const auto at = [&](const fs::path& p) { return p.empty() ? stick.tavrin() : p; };
+            std::vector<std::string> files = test::listNames(at(from));
+            EXPECT_TRUE(Copyfiles(ctx, copyRequest(ctx, files, at(from), at(to), mode), "Paste")
+                            .stickRemoved);
+        };
+    };
+    struct Case {
+        const char* what;
+        Command command;
+        std::vector<std::pair<std::string, Answer>> before;  // boxes before the pull
+        Answer onError;
+    };
+    // clang-format off
+    const Case cases[] = {
+        {"add all", [](Context& ctx, Plugged&) { btnUSB_Docs_Click(ctx, 2); }, {}, Answer::Ignore},
+        {"presets to the pool", [](Context& ctx, Plugged&) { btnUSB_Docs_Click(ctx, 3); },
+         {{"COPY PRESETS TO POOL", Answer::Ok}}, Answer::Abort},
+        {"paste from the stick", copy({}, computer, CopyMode::Left), {}, Answer::Ignore},
+        {"paste onto the stick", copy(computer, {}, CopyMode::Right), {}, Answer::Abort},
+        {"duplicate on the stick",
+         [&](Context& ctx, Plugged& stick) {
+             ctx.state.activeList = ListControl::flbUSB;
+             copy({}, {}, CopyMode::FlbUSB)(ctx, stick);
+         },
+         {{"DUPLICATE FILE", Answer::Yes}}, Answer::Ignore},
+        {"delete on the stick",
+         [](Context& ctx, Plugged& stick) {
+             const auto names = test::listNames(stick.tavrin());
+             EXPECT_TRUE(mnuEditDelete_Click(ctx, {ListControl::flbUSB, stick.tavrin(), names})
+                             .stickRemoved);
+         },
+         {{"DELETE FILE", Answer::Yes}}, Answer::Ignore},
+    };
+    // clang-format on
+    int n = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const auto image = stickImage("pulled" + std::to_string(++n) + ".img", "1234ABCD");
+        auto stick = plug(image);
+        stick->scan();
+        put(stick->tavrin(), organFiles());
+        Context ctx = stick->ctx();
+        for (const auto& [title, answer] : c.before) stick->ui.expect(title, answer);
+        stick->ui.expect("TVK: RUNTIME ERROR", c.onError);
+        stick->ui.expect("THUMBDRIVE REMOVED");
+        int events = 0;
+        stick->ui.onEvents = [&] {
+            if (++events == 2) test::pullImage(stick->session->state.drive.root);
+        };
+        c.command(ctx, *stick);
+        stick->ui.onEvents = nullptr;
+        EXPECT_TRUE(stick->ui.done());
+        const auto& error = stick->ui.shown.at(c.before.size());
+        EXPECT_EQ(error.text.rfind("Encountered Err#71\r", 0), 0u) << error.text;
+        EXPECT_NE(error.text.find(image.filename().string() + ":/TAVRIN/"), std::string::npos)
+            << error.text;
+        const auto& last = stick->ui.shown.back();
+        EXPECT_NE(last.text.find(" files were done.\r\r"), std::string::npos) << last.text;
+        for (const auto& m : stick->ui.shown)
+            EXPECT_EQ(m.text.find(mountFolder), std::string::npos) << m.text;
+        EXPECT_EQ(stick->ui.status[StatusPanel::Second], "");
+    }
+}
+
+// A write-protected stick: each command that would change it says so and changes nothing.
+TEST_F(StickTest, AWriteProtectedStickRefusesEveryWritingCommand) {
+    TVK_REQUIRE_FUSE();
+    const fs::path computer = tree.mkdir("Documents/Tavrin File Manager/Mine");
+    put(computer, {{"a.mp3", "a"}});
+    const auto image = stickImage("protected.img", "1234ABCD");
+    {
+        auto filler = plug(image);
+        filler->scan();
+        put(filler->tavrin(), organFiles());
+    }
+    fs::permissions(image,
+                    fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                    fs::perm_options::remove);
+    const std::string before = test::readFile(image);
+    using Command = std::function<void(Context&, const fs::path&)>;
+    const std::pair<const char*, Command> commands[] = {
+        {"paste onto it",
+         [&](Context& ctx, const fs::path& stick) {
+             Copyfiles(ctx, copyRequest(ctx, {"a.mp3"}, computer, stick, CopyMode::Right), "Paste");
+         }},
+        {"drop onto it",
+         [&](Context& ctx, const fs::path& stick) {
+             listDragDrop(ctx,
+                          {ListControl::flbDocs, ListControl::flbUSB, computer, stick, {"a.mp3"}});
+         }},
+        {"delete on it",
+         [](Context& ctx, const fs::path& stick) {
+             mnuEditDelete_Click(ctx, {ListControl::flbUSB, stick, {"SUPSET01.LPG"}});
+         }},
+        {"sort", [](Context& ctx, const fs::path&) { btnSort_Click(ctx, {}); }},
+        {"rename on it",
+         [](Context& ctx, const fs::path& stick) {
+             mnuFileRename_Click(ctx, {ListControl::flbUSB, stick, "SUPSET01.LPG"});
+         }},
+        {"edit a preset's names",
+         [](Context& ctx, const fs::path& stick) {
+             const auto loaded = loadPresetNames(ctx, stick / "SUPSET01.LPG");
+             ASSERT_TRUE(loaded);
+             auto edit = PresetNamesEdit::from(*loaded);
+             edit.fileName = "CHANGED";
+             EXPECT_FALSE(commitPresetNames(ctx, *loaded, edit));
+         }},
+        {"rename the volume", [](Context& ctx, const fs::path&) { btnRenameVol_Click(ctx); }},
+        {"format", [](Context& ctx, const fs::path&) { mnuFileFormat_Click(ctx); }},
+    };
+    for (const auto& [what, command] : commands) {
+        SCOPED_TRACE(what);
+        auto stick = plug(image);
+        stick->scan();
+        Context ctx = stick->ctx();
+        stick->ui.expect("THUMBDRIVE WRITE-PROTECTED");
+        command(ctx, stick->tavrin());
+        EXPECT_TRUE(stick->ui.done());
+        EXPECT_EQ(stick->ui.titles(), std::vector<std::string>{"THUMBDRIVE WRITE-PROTECTED"});
+        EXPECT_EQ(digests(contents(stick->tavrin())), digests(organFiles()));
+    }
+    EXPECT_EQ(test::readFile(image), before);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "app/ShownPaths.h"
 #include "app/Text.h"
 #include "app/Version.h"
 
@@ -53,9 +54,11 @@ std::string MainErrorHandler(Context& ctx, int errorNumber, const std::string& d
 
     Message box;
     box.title = source;
-    box.text = "Encountered Err#" + number + std::string(kLineBreak) + description +
-               std::string(kBlankLine) + "Routine: " + routineEntry + std::string(kLineBreak) +
-               "    Task: " + task + std::string(kBlankLine) + version;
+    // The user knows the stick by its own path, not by where the program mounted it.
+    box.text = "Encountered Err#" + number + std::string(kLineBreak) +
+               shownText(ctx.state.drive, description) + std::string(kBlankLine) +
+               "Routine: " + routineEntry + std::string(kLineBreak) +
+               "    Task: " + shownText(ctx.state.drive, task) + std::string(kBlankLine) + version;
     box.buttons = Buttons::AbortRetryIgnore;
     box.icon = Icon::Critical;
     box.defaultButton = 2;

@@ -104,6 +104,7 @@ bool readDrive(Context& ctx, Routine& r, const std::string& drive, const std::st
     const bool read = r.step("Read the volume information of drive " + drive, [&] {
         d.driveType = static_cast<int>(volumes.driveType(drive));
         d.root = volumes.rootPath(drive);
+        d.shownRoot = volumes.shownRoot(drive);
         info = volumes.volumeInformation(drive);
     });
     if (!read) return false;

@@ -17,6 +17,9 @@ struct ThumbDriveState {
     std::string deviceId;
     bool tavrinPresent = false;
     bool fileSystemOk = false;
+    // What the user knows the root as, when that is not `root` itself: an image drive is
+    // "demo-stick.img:", not the folder the program mounted it on.
+    std::string shownRoot;
     std::filesystem::path tavrinFolder() const { return root / "TAVRIN"; }
 };
 

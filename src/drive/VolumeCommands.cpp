@@ -4,6 +4,7 @@
 
 #include "app/CommonRoutines.h"
 #include "app/Routine.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
 #include "app/Version.h"
 #include "drive/ScanForUSBs.h"
@@ -59,6 +60,7 @@ std::string volumeLabelFromAnswer(const std::string& answer) {
 ScanOutcome btnRenameVol_Click(Context& ctx) {
     auto outcome = ScanOutcome::Refused;
     routine(ctx, "frmMain.btnRenameVol_Click", [&](Routine& r) {
+        if (ctx.state.drive.present && !stickReady(ctx, r)) return;
         const auto answer =
             ctx.ui.prompt("RENAME VOLUME", "Enter a new Volume Name. Limit of 11 characters.");
         const std::string label = volumeLabelFromAnswer(answer.value_or(""));
@@ -95,6 +97,7 @@ ScanOutcome mnuFileFormat_Click(Context& ctx) {
             ctx.ui.inform(kFormatTitle, "There is no thumbdrive attached to format.");
             return;
         }
+        if (!stickReady(ctx, r)) return;
         Volumes& volumes = *ctx.volumes;
         const bool empty = DriveEmpty(ctx, d.root, volumes.systemEntries(d.letter));
         if (!confirmFormat(ctx, d, empty)) return;

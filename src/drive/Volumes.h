@@ -79,6 +79,9 @@ class Volumes {
     virtual DriveType driveType(const std::string& drive) = 0;
     // Where the drive's files are: "E:\" or the mount point.
     virtual std::filesystem::path rootPath(const std::string& drive) = 0;
+    // What the user knows the root as when it is not rootPath itself ("demo-stick.img:"
+    // for an image file), else empty.
+    virtual std::string shownRoot(const std::string& /*drive*/) { return {}; }
     // Throws RuntimeError when the volume cannot be read (pulled out, unreadable).
     virtual VolumeInfo volumeInformation(const std::string& drive) = 0;
     // The identifier shown after "DevID:" when the scan found the drive itself.

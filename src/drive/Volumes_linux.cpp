@@ -131,6 +131,11 @@ class LinuxVolumes : public Volumes {
         return v ? pathFromUtf8(v->mount.mountPoint) : fs::path();
     }
 
+    std::string shownRoot(const std::string& drive) override {
+        if (auto* d = images_.find(drive)) return fileNameUtf8(d->image) + ":";
+        return {};
+    }
+
     VolumeInfo volumeInformation(const std::string& drive) override {
         if (auto* d = images_.find(drive)) {
             if (!ImageDrives::isMounted(*d)) throw RuntimeError(kErrDiskNotReady, drive);

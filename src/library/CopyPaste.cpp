@@ -55,8 +55,10 @@ std::optional<CopyReport> mnuEditPaste_Click(Context& ctx, ListControl focused) 
         const CopySource& source = ctx.state.copySource;
         if (destination.empty() || source.list == ListControl::None) return;
         ctx.state.activeList = list;
-        report = Copyfiles(ctx, copyRequest(ctx, source.files, source.folder, destination,
-                                            pasteModeFor(source, list, destination)));
+        report = Copyfiles(ctx,
+                           copyRequest(ctx, source.files, source.folder, destination,
+                                       pasteModeFor(source, list, destination)),
+                           "Paste");
     });
     return report;
 }

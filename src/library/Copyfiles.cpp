@@ -6,8 +6,12 @@
 #include "app/FileIO.h"
 #include "app/PlainFiles.h"
 #include "app/Routine.h"
+#include "app/ShownPaths.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
 #include "library/CopyNames.h"
+#include "library/CopyPaste.h"
+#include "library/DoneSummary.h"
 #include "organfiles/AnalyzeContent.h"
 
 namespace tvk {
@@ -34,25 +38,54 @@ bool isNumbered(const NameInfo& info) {
 class CopyRun {
   public:
     CopyRun(Context& ctx, Routine& r, const CopyRequest& request, CopyReport& report)
-        : ctx_(ctx), r_(r), req_(request), report_(report), names_(request.destination, false) {}
+        : ctx_(ctx),
+          r_(r),
+          req_(request),
+          report_(report),
+          names_(request.destination, false),
+          onStick_(isOnStick(request.source, request.stickFolder) ||
+                   isOnStick(request.destination, request.stickFolder)) {}
 
     void run() {
+        if (isOnStick(req_.destination, req_.stickFolder) && !stickReady(ctx_, r_)) {
+            report_.refused = true;
+            return;
+        }
         const std::size_t count = batchSize();
-        r_.step("List " + quoted(req_.destination),
-                [&] { names_ = FolderNames(req_.destination); });
-        ctx_.ui.showProgress(static_cast<int>(count));
-        for (std::size_t i = 0; i < count; ++i) {
-            if (!copyEntry(i)) {
-                // No to the duplicate question ends the batch; the rest stays uncopied.
-                report_.skipped.insert(report_.skipped.end(), req_.files.begin() + i + 1,
-                                       req_.files.begin() + count);
-                break;
+        try {
+            step("List " + quoted(req_.destination),
+                 [&] { names_ = FolderNames(req_.destination); });
+            ctx_.ui.showProgress(static_cast<int>(count));
+            for (std::size_t i = 0; i < count; ++i) {
+                if (!copyEntry(i)) {
+                    // No to the duplicate question ends the batch; the rest stays uncopied.
+                    report_.skipped.insert(report_.skipped.end(), req_.files.begin() + i + 1,
+                                           req_.files.begin() + count);
+                    break;
+                }
             }
+        } catch (const StickRemoved&) {
+            // The closing steps would only meet the missing stick again.
+            report_.stickRemoved = true;
+            showStickRemoved(ctx_, report_.copied.size(), count,
+                             "The files copied so far are in " + shown(req_.destination) +
+                                 "; the others are as they were in " + shown(req_.source) + ".");
+            return;
         }
         closingSteps();
     }
 
   private:
+    // A step that meets a pulled stick ends the batch when the stick is one side of it.
+    template <class F>
+    bool step(std::string task, F&& body) {
+        return onStick_ ? stickStep(r_, std::move(task), body) : r_.step(std::move(task), body);
+    }
+
+    std::string shown(const std::filesystem::path& folder) const {
+        return std::string(kQuote) + shownPath(ctx_.state.drive, folder) + std::string(kQuote);
+    }
+
     // The batch holds 1,500 names; more is an index error, and Ignore copies the first
     // 1,500.
     std::size_t batchSize() {
@@ -100,7 +133,7 @@ class CopyRun {
     bool askForDuplicate() {
         const Answer answer = ctx_.ui.message(Message{
             "DUPLICATE FILE",
-            "Do you want to make a duplicate file in the " + quoted(req_.destination) + " folder?",
+            "Do you want to make a duplicate file in the " + shown(req_.destination) + " folder?",
             Buttons::YesNo, Icon::Question, 1});
         ctx_.state.lastAnswer = answer;
         return answer == Answer::Yes;
@@ -127,14 +160,18 @@ class CopyRun {
         const int counter = counter_, duplicates = report_.duplicates;
         std::optional<std::string> copiedAs;
         bool failed = false;
-        const bool done = r_.step("Copy " + quoted(source), [&] {
+        const bool done = step("Copy " + quoted(source), [&] {
             counter_ = counter;
             report_.duplicates = duplicates;
             if (std::exchange(failed, false)) report_.failures.pop_back();
             try {
                 copiedAs = copyTo(source, targetFor(name, info));
             } catch (const std::exception&) {
-                report_.failures.push_back({name, RuntimeError::fromCurrentException().number()});
+                // A pulled stick is "Disk not ready", whatever the vanished folder said.
+                const bool gone = onStick_ && stickGone(ctx_);
+                report_.failures.push_back(
+                    {name,
+                     gone ? kErrDiskNotReady : RuntimeError::fromCurrentException().number()});
                 failed = true;
                 throw;
             }
@@ -256,6 +293,7 @@ class CopyRun {
     const CopyRequest& req_;
     CopyReport& report_;
     FolderNames names_;
+    bool onStick_;
     int counter_ = 0;  // supplies file numbers and bracketed counters
 };
 
@@ -286,11 +324,17 @@ CopyRequest copyRequest(const Context& ctx, std::vector<std::string> files,
     return request;
 }
 
-CopyReport Copyfiles(Context& ctx, const CopyRequest& request) {
+CopyReport Copyfiles(Context& ctx, const CopyRequest& request, const std::string& command) {
     CopyReport report;
     report.completed = routine(ctx, "frmMain.Copyfiles",
-                               [&](Routine& r) { CopyRun(ctx, r, request, report).run(); });
+                               [&](Routine& r) { CopyRun(ctx, r, request, report).run(); }) &&
+                       !report.stickRemoved;
     ctx.ui.hideProgress();
+    if (!command.empty() && !report.stickRemoved && !report.refused)
+        ctx.ui.setStatus(StatusPanel::Second,
+                         doneSummary(command, report.copied.size(),
+                                     shownPath(ctx.state.drive, request.destination),
+                                     report.failures.size() + report.skipped.size()));
     return report;
 }
 

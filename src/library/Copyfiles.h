@@ -50,8 +50,10 @@ struct CopyReport {
     std::vector<CopiedFile> copied;
     std::vector<std::string> skipped;  // no family to number it by, or not asked for
     std::vector<CopyFailure> failures;
-    int duplicates = 0;      // taken names tried before a bracketed one was free
-    bool completed = false;  // false when the user aborted on an error
+    int duplicates = 0;         // taken names tried before a bracketed one was free
+    bool completed = false;     // false when the user aborted on an error
+    bool stickRemoved = false;  // the stick was pulled part way
+    bool refused = false;       // the stick could not be written: nothing was copied
 };
 
 // A request for `mode` with the attached stick and the user's "Number Seq" setting.
@@ -60,7 +62,8 @@ CopyRequest copyRequest(const Context& ctx, std::vector<std::string> files,
                         CopyMode mode);
 
 // frmMain.Copyfiles. A duplicate-making mode copies only when it names the active list
-// (ctx.state.activeList), as the window's list commands do.
-CopyReport Copyfiles(Context& ctx, const CopyRequest& request);
+// (ctx.state.activeList), as the window's list commands do. With a `command` ("Paste",
+// "Drop") status panel 2 says at the end what it did.
+CopyReport Copyfiles(Context& ctx, const CopyRequest& request, const std::string& command = {});
 
 }  // namespace tvk

@@ -4,6 +4,7 @@
 #include "app/FileIO.h"
 #include "app/PlainFiles.h"
 #include "app/Routine.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
 #include "organfiles/OrganNames.h"
 
@@ -38,9 +39,9 @@ bool toSystemBin(Context& ctx, Routine& r, const fs::path& path) {
 std::string toProgramBin(Context& ctx, Routine& r, const fs::path& file) {
     std::string binName;
     const bool copied =
-        r.step("Recycle " + pathToUtf8(file), [&] { binName = copyToProgramBin(ctx, file); });
+        stickStep(r, "Recycle " + pathToUtf8(file), [&] { binName = copyToProgramBin(ctx, file); });
     if (!copied) return {};
-    r.step("Kill " + pathToUtf8(file), [&] { fs::remove(file); });
+    stickStep(r, "Kill " + pathToUtf8(file), [&] { fs::remove(file); });
     std::error_code ec;
     return fs::exists(file, ec) ? std::string() : binName;
 }
@@ -80,7 +81,7 @@ void deleteOne(Context& ctx, Routine& r, const ListSelection& s, const std::stri
     report.deleted.push_back(name);
 }
 
-void deleteFiles(Context& ctx, Routine& r, const ListSelection& s, DeleteReport& report) {
+void confirmAndDelete(Context& ctx, Routine& r, const ListSelection& s, DeleteReport& report) {
     const auto count = s.names.size();
     if (count == 1) {
         if (confirm(ctx, "DELETE FILE", "Please confirm you want to delete the file...",
@@ -99,6 +100,20 @@ void deleteFiles(Context& ctx, Routine& r, const ListSelection& s, DeleteReport&
             ctx.ui.processEvents();
             deleteOne(ctx, r, s, s.names[i], report);
         }
+        ctx.ui.hideProgress();
+    }
+}
+
+void deleteFiles(Context& ctx, Routine& r, const ListSelection& s, DeleteReport& report) {
+    const bool onStick = s.list == ListControl::flbUSB;
+    try {
+        if (onStick && !stickWritable(ctx, r)) return;
+        confirmAndDelete(ctx, r, s, report);
+    } catch (const StickRemoved&) {
+        report.stickRemoved = true;
+        showStickRemoved(ctx, report.deleted.size(), s.names.size(),
+                         "The files deleted so far are in the program's Recycle Bin; the others "
+                         "are still on the thumbdrive.");
         ctx.ui.hideProgress();
     }
     refreshLists(ctx.state);

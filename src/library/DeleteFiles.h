@@ -16,6 +16,7 @@ struct DeleteReport {
     std::vector<std::string> deleted;  // the names now in a recycle bin
     // For stick files: the name each got in the program's bin (" (1)" on a clash).
     std::vector<std::string> binNames;
+    bool stickRemoved = false;  // the stick was pulled part way
 };
 
 // dirDocs: the folder `selection.folder` itself; flbDocs / flbUSB: the selected names.

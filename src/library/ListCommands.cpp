@@ -4,6 +4,7 @@
 
 #include "app/FileIO.h"
 #include "app/Routine.h"
+#include "app/ShownPaths.h"
 #include "app/Text.h"
 #include "app/Version.h"
 #include "organfiles/OrganNames.h"
@@ -65,7 +66,7 @@ ConvertReport mnuFileConvert_Click(Context& ctx, const ListSelection& list) {
         const std::string text =
             "This process will convert ALL Presetname files from the old format of..." + kBr + kQ +
             "Preset Name_#123.EPG" + kQ + kBr + " TO" + kBr + kQ + "Preset Name.EPG" + kQ + kBr +
-            "in the " + kQ + pathToUtf8(list.folder) + kQ + " folder." + kBr +
+            "in the " + kQ + shownPath(ctx.state.drive, list.folder) + kQ + " folder." + kBr +
             "Do you want to continue?";
         if (ctx.ui.message(Message{"CONVERT FILENAMES", text, Buttons::YesNo, Icon::Question, 2}) !=
             Answer::Yes)

@@ -6,6 +6,7 @@
 #include "app/CommonRoutines.h"
 #include "app/FileIO.h"
 #include "app/Routine.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
 #include "app/Version.h"
 #include "library/ListFiles.h"
@@ -307,6 +308,8 @@ RenameReport mnuFileRename_Click(Context& ctx, const RenameRequest& request) {
     if (!isFileList(request.list) || request.fileName.empty()) return {};
     return routine(ctx, "frmMain.mnuFileRename_Click",
                    [&](Routine& r) {
+                       if (request.list == ListControl::flbUSB && !stickReady(ctx, r))
+                           return RenameReport{};
                        const Plan plan = request.list == ListControl::flbUSB
                                              ? stickPlan(request.fileName)
                                              : computerPlan(request.fileName);

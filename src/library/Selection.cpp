@@ -4,6 +4,7 @@
 #include <array>
 
 #include "app/Routine.h"
+#include "app/ShownPaths.h"
 #include "app/Text.h"
 #include "organfiles/DisplayFileInfo.h"
 #include "organfiles/OrganNames.h"
@@ -34,7 +35,7 @@ void showFileInfo(Context& ctx, Routine& r, const ListClick& click) {
     if (!std::filesystem::exists(file, ec)) {
         // Gone since the list was drawn (deleted elsewhere, stick pulled).
         state.fileInfoText = "\"" + click.clicked + "\" is no longer in" + std::string(kLineBreak) +
-                             pathToUtf8(click.folder);
+                             shownPath(state.drive, click.folder);
         return;
     }
     r.step("DisplayFileInfo " + pathToUtf8(file),
@@ -127,8 +128,10 @@ std::optional<CopyReport> listDragDrop(Context& ctx, const DropRequest& drop) {
     return routine(ctx, name + "_OLEDragDrop", [&](Routine&) {
         ctx.state.activeList = drop.destinationList;
         ctx.state.lastAction = ListAction::Drop;
-        return Copyfiles(ctx, copyRequest(ctx, drop.files, drop.sourceFolder,
-                                          drop.destinationFolder, copyModeFor(drop)));
+        return Copyfiles(ctx,
+                         copyRequest(ctx, drop.files, drop.sourceFolder, drop.destinationFolder,
+                                     copyModeFor(drop)),
+                         "Drop");
     });
 }
 

@@ -11,6 +11,7 @@
 #include "app/FileIO.h"
 #include "app/PlainFiles.h"
 #include "app/Routine.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
 #include "drive/ScanForUSBs.h"
 #include "drive/Volumes.h"
@@ -231,6 +232,7 @@ SortReport btnSort_Click(Context& ctx, const SortRequest& request) {
     SortReport report;
     routine(ctx, "frmMain.btnSort_Click", [&](Routine& r) {
         const auto started = std::chrono::steady_clock::now();
+        if (!stickReady(ctx, r)) return;
         if (!confirmSort(ctx)) return;
         if (!offerSortRecovery(ctx)) return;  // an interrupted sort of this stick comes first
         const auto folder = ctx.state.drive.tavrinFolder();

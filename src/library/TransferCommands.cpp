@@ -5,11 +5,12 @@
 
 #include "app/FileIO.h"
 #include "app/PlainFiles.h"
+#include "app/ShownPaths.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
 #include "drive/ScanForUSBs.h"
 #include "drive/Volumes.h"
 #include "library/CategoryViews.h"
-#include "library/StickFaults.h"
 #include "library/TransferSupport.h"
 #include "organfiles/AnalyzeContent.h"
 
@@ -32,8 +33,31 @@ void showAllFiles(Context& ctx) {
     btnButtonBar_Click(ctx, 0);
 }
 
-TransferReport addAll(Context& ctx, Routine& r, const std::vector<std::string>& files) {
+// Copies stick files into `names`' folder; a pulled stick ends the run with one box.
+void copyFromStick(Context& ctx, Routine& r, TransferReport& report,
+                   const std::filesystem::path& from, const std::vector<std::string>& files,
+                   FolderNames& names, const NameChooser& choose) {
+    try {
+        TransferCopy(ctx, r, report, "Copying ")
+            .stopWhenStickRemoved()
+            .run(from, files, names, choose);
+    } catch (const StickRemoved&) {
+        report.stickRemoved = true;
+        showStickRemoved(ctx, report.copied.size(), files.size(),
+                         "The files copied so far are in " + quoted(pathToUtf8(names.folder())) +
+                             "; nothing was removed from the thumbdrive.");
+    }
+}
+
+TransferReport addAll(Context& ctx, Routine& r) {
     TransferReport report;
+    std::vector<std::string> files;
+    try {
+        if (!listStickFiles(ctx, r, files)) return report;
+    } catch (const StickRemoved&) {
+        report.stickRemoved = true;
+        return report;
+    }
     const auto mirror = mirrorFolder(ctx);
     ctx.ui.showProgress(static_cast<int>(files.size()));
     std::optional<FolderNames> names;
@@ -42,12 +66,11 @@ TransferReport addAll(Context& ctx, Routine& r, const std::vector<std::string>& 
             names.emplace(mirror);
         }))
         return report;
-    TransferCopy(ctx, r, report, "Copying ")
-        .run(ctx.state.drive.tavrinFolder(), files, *names,
-             [&](const std::string& name, const SourceFile& source) {
-                 return addAllName(ctx, *names, name, source, report.duplicates);
-             });
-    report.completed = report.failures.empty();
+    copyFromStick(ctx, r, report, ctx.state.drive.tavrinFolder(), files, *names,
+                  [&](const std::string& name, const SourceFile& source) {
+                      return addAllName(ctx, *names, name, source, report.duplicates);
+                  });
+    report.completed = report.failures.empty() && !report.stickRemoved;
     return report;
 }
 
@@ -105,7 +128,13 @@ std::string poolName(Context& ctx, const FolderNames& folder, const std::string&
 TransferReport addToPool(Context& ctx, Routine& r, TransferButton button) {
     TransferReport report;
     const Pool pool = poolFor(ctx, button);
-    const auto files = stickFiles(ctx, r, pool.patterns);
+    std::vector<std::string> files;
+    try {
+        if (!listStickFiles(ctx, r, files, pool.patterns)) return report;
+    } catch (const StickRemoved&) {
+        report.stickRemoved = true;
+        return report;
+    }
     const Answer answer = ctx.ui.message(Message{
         pool.title,
         "This will copy " + std::to_string(files.size()) + pool.prompt + quoted(pool.folderName),
@@ -123,11 +152,11 @@ TransferReport addToPool(Context& ctx, Routine& r, TransferButton button) {
             names.emplace(pool.folder);
         }))
         return report;
-    TransferCopy(ctx, r, report, "Copying ")
-        .run(ctx.state.drive.tavrinFolder(), files, *names,
-             [&](const std::string& name, const SourceFile& source) {
-                 return poolName(ctx, *names, name, source, report.duplicates);
-             });
+    copyFromStick(ctx, r, report, ctx.state.drive.tavrinFolder(), files, *names,
+                  [&](const std::string& name, const SourceFile& source) {
+                      return poolName(ctx, *names, name, source, report.duplicates);
+                  });
+    if (report.stickRemoved) return report;
     if (pool.duplicatesBox) showDuplicates(ctx, report.duplicates);
     report.completed = report.failures.empty();
     return report;
@@ -148,12 +177,40 @@ TransferReport addNewFiles(Context& ctx, Routine& r) {
     ctx.ui.showProgress(static_cast<int>(fresh.size()));
     std::optional<FolderNames> names;
     if (!r.step("List " + pathToUtf8(mirror), [&] { names.emplace(mirror); })) return report;
-    TransferCopy(ctx, r, report, "Copying ")
-        .run(stick, fresh, *names, [&](const std::string& name, const SourceFile& source) {
-            return addAllName(ctx, *names, name, source, report.duplicates);
-        });
-    report.completed = report.failures.empty();
+    copyFromStick(ctx, r, report, stick, fresh, *names,
+                  [&](const std::string& name, const SourceFile& source) {
+                      return addAllName(ctx, *names, name, source, report.duplicates);
+                  });
+    report.completed = report.failures.empty() && !report.stickRemoved;
     return report;
+}
+
+// Status panel 2 after a transfer that ran; empty when it did not (declined, stick pulled).
+std::string transferSummary(const Context& ctx, int index, const TransferReport& report) {
+    const bool ran = report.completed || !report.copied.empty() || !report.failures.empty();
+    if (report.declined || report.stickRemoved || !ran) return {};
+    const std::size_t notCopied = report.failures.size();
+    switch (static_cast<TransferButton>(index)) {
+        case TransferButton::Update:
+            if (!report.finishedRestore) return report.completed ? updateSummary(report) : "";
+            [[fallthrough]];
+        case TransferButton::Restore:
+            return doneSummary("Restore", report.copied.size(),
+                               shownPath(ctx.state.drive, ctx.state.drive.tavrinFolder()),
+                               notCopied);
+        case TransferButton::AddAll:
+            return doneSummary("Add ALL", report.copied.size(), fileNameUtf8(mirrorFolder(ctx)),
+                               notCopied);
+        case TransferButton::PoolPresets:
+        case TransferButton::PoolRecordings: {
+            const Pool pool = poolFor(ctx, static_cast<TransferButton>(index));
+            const char* command = static_cast<TransferButton>(index) == TransferButton::PoolPresets
+                                      ? "Add USB Presets"
+                                      : "Add USB Recordings";
+            return doneSummary(command, report.copied.size(), pool.folderName, notCopied);
+        }
+    }
+    return {};
 }
 
 }  // namespace
@@ -247,9 +304,10 @@ std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string&
     return files;
 }
 
-bool listStickFiles(Context& ctx, Routine& r, std::vector<std::string>& files) {
+bool listStickFiles(Context& ctx, Routine& r, std::vector<std::string>& files,
+                    const std::string& patterns) {
     return stickStep(r, "List " + pathToUtf8(ctx.state.drive.tavrinFolder()),
-                     [&] { files = listStick(ctx, "*.*"); });
+                     [&] { files = listStick(ctx, patterns); });
 }
 
 std::string addAllName(Context& ctx, const FolderNames& folder, const std::string& name,
@@ -302,8 +360,8 @@ TransferReport btnUSB_Docs_Click(Context& ctx, int index, bool dryRun) {
                 restoreThumbdrive(ctx, r, report, false, dryRun);
                 break;
             case TransferButton::AddAll:
-                report = addAll(ctx, r, stickFiles(ctx, r));
-                showDuplicates(ctx, report.duplicates);
+                report = addAll(ctx, r);
+                if (!report.stickRemoved) showDuplicates(ctx, report.duplicates);
                 break;
             case TransferButton::PoolPresets:
             case TransferButton::PoolRecordings:
@@ -312,9 +370,10 @@ TransferReport btnUSB_Docs_Click(Context& ctx, int index, bool dryRun) {
         }
     });
     afterTransfer(ctx);
-    if (index == static_cast<int>(TransferButton::Update) && report.completed && !dryRun &&
-        !report.finishedRestore)
-        ctx.ui.setStatus(StatusPanel::Second, updateSummary(report));
+    if (!dryRun) {
+        if (const std::string text = transferSummary(ctx, index, report); !text.empty())
+            ctx.ui.setStatus(StatusPanel::Second, text);
+    }
     return report;
 }
 
@@ -329,6 +388,7 @@ TransferReport autoBackup(Context& ctx) {
     TransferReport report;
     routine(ctx, "frmMain.AutoBackup", [&](Routine& r) {
         report = addNewFiles(ctx, r);
+        if (report.stickRemoved) return;  // its box said what was done
         ctx.ui.setStatus(StatusPanel::Second,
                          "Auto Backup: " + std::to_string(report.copied.size()) +
                              " new or changed files added to " + fileNameUtf8(mirrorFolder(ctx)));

@@ -15,9 +15,9 @@
 #include "app/DiskSpace.h"
 #include "app/FileIO.h"
 #include "app/PlainFiles.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
 #include "library/DeleteFiles.h"
-#include "library/StickFaults.h"
 #include "library/TransferSupport.h"
 #include "organfiles/OrganFile.h"
 

@@ -12,6 +12,7 @@
 
 #include "app/Routine.h"
 #include "library/CopyNames.h"
+#include "library/DoneSummary.h"
 #include "library/TransferCommands.h"
 
 namespace tvk {
@@ -67,7 +68,8 @@ bool heldIn(const FilesBySize& sizes, const std::filesystem::path& file);
 std::vector<std::string> stickFiles(Context& ctx, Routine& r, const std::string& patterns = "*.*");
 // All of them, for a command that must not take a failed listing for an empty stick:
 // false when the user went on without it; throws StickRemoved for a pulled stick.
-bool listStickFiles(Context& ctx, Routine& r, std::vector<std::string>& files);
+bool listStickFiles(Context& ctx, Routine& r, std::vector<std::string>& files,
+                    const std::string& patterns = "*.*");
 
 // The name "&Add ALL to Computer" gives a stick file in the library: a preset or recording
 // its readable name and own extension, anything else its own name; " (n)" before the
@@ -90,9 +92,6 @@ inline const std::string kParagraph = "\r\r";
 void updateComputer(Context& ctx, Routine& r, TransferReport& report, bool dryRun = false);
 void restoreThumbdrive(Context& ctx, Routine& r, TransferReport& report, bool confirmed,
                        bool dryRun = false);
-
-// "Update: 10 copied, 780 unchanged, 2 to the recycle bin", for status panel 2.
-std::string updateSummary(const TransferReport& report);
 
 // The note at the stick's root that says a restore is under way.
 std::filesystem::path restoreNote(const Context& ctx);

@@ -12,8 +12,8 @@
 #include "app/CommonRoutines.h"
 #include "app/FileIO.h"
 #include "app/PlainFiles.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
-#include "library/StickFaults.h"
 #include "library/TransferSupport.h"
 
 namespace tvk {
@@ -177,12 +177,6 @@ void reportUnfinished(Context& ctx, const std::filesystem::path& mirror,
 }
 
 }  // namespace
-
-std::string updateSummary(const TransferReport& report) {
-    return "Update: " + std::to_string(report.copied.size()) + " copied, " +
-           std::to_string(report.unchanged.size()) + " unchanged, " +
-           std::to_string(report.removed.size()) + " to the recycle bin";
-}
 
 void updateComputer(Context& ctx, Routine& r, TransferReport& report, bool dryRun) {
     if (restoreUnfinished(ctx)) {

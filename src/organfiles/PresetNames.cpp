@@ -4,7 +4,9 @@
 
 #include "app/FileIO.h"
 #include "app/Routine.h"
+#include "app/StickFaults.h"
 #include "app/Text.h"
+#include "library/CopyPaste.h"
 #include "organfiles/Cp1252.h"
 #include "organfiles/OrganFile.h"
 
@@ -139,6 +141,10 @@ bool commitPresetNames(Context& ctx, const PresetNames& loaded, const PresetName
     bool written = false;
     routine(ctx, "frmPresetRename.btnCommit_Click", [&](Routine& r) {
         if (!mayCommit(ctx, loaded, edit)) return;
+        if (ctx.state.drive.present &&
+            isOnStick(loaded.file.parent_path(), ctx.state.drive.tavrinFolder()) &&
+            !stickReady(ctx, r))
+            return;
         std::string bytes;
         if (!r.step("Read " + pathToUtf8(loaded.file), [&] { bytes = readWholeFile(loaded.file); }))
             return;

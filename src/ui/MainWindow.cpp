@@ -13,6 +13,7 @@
 #include <QTimer>
 
 #include "app/Routine.h"
+#include "app/ShownPaths.h"
 #include "app/Startup.h"
 #include "app/Version.h"
 #include "drive/ScanForUSBs.h"
@@ -189,9 +190,10 @@ void MainWindow::refreshUsb() {
         return;
     }
     const auto folder = state.drive.tavrinFolder();
-    txtUSBPath_->setText(qpath(folder));
+    txtUSBPath_->setText(qs(shownPath(state.drive, folder)));
     if (!flbUSB_->showFolder(folder, state.usbPattern))
-        ui().setStatus(StatusPanel::Second, "The thumbdrive folder " + pathToUtf8(folder) +
+        ui().setStatus(StatusPanel::Second, "The thumbdrive folder " +
+                                                shownPath(state.drive, folder) +
                                                 " cannot be read: " + us(flbUSB_->lastProblem()));
 }
 

@@ -1,4 +1,4 @@
-#include "library/StickFaults.h"
+#include "app/StickFaults.h"
 
 #include <filesystem>
 
@@ -16,9 +16,10 @@ bool stickGone(const Context& ctx) {
 }
 
 bool stickWritable(Context& ctx, Routine& r) {
+    if (ctx.state.drive.root.empty()) return true;  // a folder named as the stick, no drive
     bool readOnly = false;
     if (!stickStep(r, "Measure the free space of " + pathToUtf8(ctx.state.drive.root),
-                   [&] { readOnly = diskSpace(ctx.state.drive.tavrinFolder()).readOnly; }))
+                   [&] { readOnly = diskSpace(ctx.state.drive.root).readOnly; }))
         return false;
     if (!readOnly) return true;
     ctx.ui.message(Message{"THUMBDRIVE WRITE-PROTECTED",
@@ -26,6 +27,14 @@ bool stickWritable(Context& ctx, Routine& r) {
                            "protection and try again.",
                            Buttons::Ok, Icon::Exclamation, 1});
     return false;
+}
+
+bool stickReady(Context& ctx, Routine& r) {
+    try {
+        return stickWritable(ctx, r);
+    } catch (const StickRemoved&) {
+        return false;
+    }
 }
 
 void showStickRemoved(Context& ctx, std::size_t done, std::size_t total,

@@ -57,6 +57,10 @@ bool stickStep(Routine& r, std::string task, F&& body) {
 // command that writes to the stick asks before it changes anything.
 bool stickWritable(Context& ctx, Routine& r);
 
+// stickWritable for a command that has changed nothing yet: a stick pulled meanwhile
+// simply ends it, after the handler's box.
+bool stickReady(Context& ctx, Routine& r);
+
 // The one box a command ends with after a pulled stick: "N of M files were done." and the
 // command's own sentence of what is where.
 void showStickRemoved(Context& ctx, std::size_t done, std::size_t total,
